@@ -1,0 +1,21 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace lectorbell {
+
+// A random (version 4) UUID that identifies a block or a record.
+struct Uuid {
+    std::array<std::uint8_t, 16> bytes{};
+
+    static Uuid random();
+    // Lower-case 8-4-4-4-12 form.
+    std::string string() const;
+
+    friend bool operator==(const Uuid&, const Uuid&) = default;
+    friend auto operator<=>(const Uuid&, const Uuid&) = default;
+};
+
+} // namespace lectorbell

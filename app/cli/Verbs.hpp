@@ -1,0 +1,15 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace lectorbell::cli {
+
+// Set by the verb that ran: the process's exit status.
+struct VerbOutcome {
+    int exitStatus = 0;
+};
+
+// Registers every command-line verb as a subcommand of the application.
+void addVerbs(CLI::App& app, VerbOutcome& outcome);
+
+} // namespace lectorbell::cli

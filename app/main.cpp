@@ -1,0 +1,27 @@
+#include "cli/Verbs.hpp"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+int main(int argc, char** argv) {
+    CLI::App app{"Lectorbell reads aloud the text under the mouse pointer while a key is held.\n"
+                 "With no verb it starts the tray application; verbs run one stage on its own.",
+                 "lectorbell"};
+    app.set_version_flag("--version", std::string{"lectorbell "} + LECTORBELL_VERSION);
+    app.require_subcommand(0, 1);
+
+    lectorbell::cli::VerbOutcome outcome;
+    lectorbell::cli::addVerbs(app, outcome);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error);
+    }
+    if (app.get_subcommands().empty()) {
+        // The tray application is not built yet: until it is, show what the executable offers.
+        std::cout << app.help();
+        return 0;
+    }
+    return outcome.exitStatus;
+}

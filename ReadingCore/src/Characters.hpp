@@ -67,8 +67,8 @@ bool forEachCharacter(std::u16string_view text, Visit&& visit) {
             UChar32 d = 0;
             U16_NEXT(p, after, n, d);
             bool crlf = c == u'\r' && d == u'\n';
-            bool isolated = (c < 0x80 && d < 0x80) ||
-                            (isIsolatedBreakClass(c) && isIsolatedBreakClass(d));
+            bool isolated =
+                (c < 0x80 && d < 0x80) || (isIsolatedBreakClass(c) && isIsolatedBreakClass(d));
             if (crlf || !isolated) {
                 end = static_cast<std::size_t>(
                     graphemeEndAtOrAfter(text, static_cast<std::int64_t>(i) + 1));

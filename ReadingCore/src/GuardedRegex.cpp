@@ -16,8 +16,7 @@ std::unique_ptr<const icu::RegexPattern> compileConstantPattern(std::u16string_v
         icu::RegexPattern::compile(readOnlyAlias(pattern), flags, parseError, status)};
     if (U_FAILURE(status) || !compiled) {
         std::string reason = std::string{owner} + ":" + std::to_string(where.line()) +
-                             ": regular expression does not compile (" + u_errorName(status) +
-                             ")";
+                             ": regular expression does not compile (" + u_errorName(status) + ")";
         fatalError(reason.c_str());
     }
     return compiled;

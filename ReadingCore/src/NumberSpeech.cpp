@@ -14,8 +14,7 @@ using detail::RegexRewrite;
 // The table reader owns the number rules, so a broken pattern is reported under its name.
 constexpr const char* owner = "ReadingCore/TableReading";
 
-RegexRewrite rewrite(std::u16string_view pattern, std::u16string_view replacement,
-                     const char* name,
+RegexRewrite rewrite(std::u16string_view pattern, std::u16string_view replacement, const char* name,
                      std::source_location where = std::source_location::current()) {
     return RegexRewrite{detail::compileConstantPattern(pattern, 0, owner, where),
                         detail::readOnlyAlias(replacement), name};

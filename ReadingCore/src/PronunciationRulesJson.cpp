@@ -22,9 +22,8 @@ const std::string* stringField(const json& object, const char* key) {
 std::string encodePronunciationRules(const std::vector<PronunciationRule>& rules) {
     json array = json::array();
     for (const PronunciationRule& rule : rules) {
-        array.push_back(json{{"id", rule.id.string()},
-                             {"word", toUtf8(rule.word)},
-                             {"sayAs", toUtf8(rule.sayAs)}});
+        array.push_back(json{
+            {"id", rule.id.string()}, {"word", toUtf8(rule.word)}, {"sayAs", toUtf8(rule.sayAs)}});
     }
     return array.dump(-1, ' ', false, json::error_handler_t::replace);
 }

@@ -16,7 +16,8 @@ struct ActiveList {
 
 // Written by the settings, read wherever speech is prepared: the whole list is swapped at once.
 std::atomic<std::shared_ptr<const ActiveList>>& active() {
-    static std::atomic<std::shared_ptr<const ActiveList>> list{std::make_shared<const ActiveList>()};
+    static std::atomic<std::shared_ptr<const ActiveList>> list{
+        std::make_shared<const ActiveList>()};
     return list;
 }
 

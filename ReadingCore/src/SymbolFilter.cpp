@@ -12,15 +12,15 @@ namespace {
 
 // Always spoken, though most are symbols.
 constexpr std::array<char32_t, 31> keepMath{
-    U'+',     U'=',     U'<',     U'>',     U'\u00D7', U'\u00F7', U'\u00B1', U'\u2264',
+    U'+',      U'=',      U'<',      U'>',      U'\u00D7', U'\u00F7', U'\u00B1', U'\u2264',
     U'\u2265', U'\u2260', U'\u2248', U'\u221E', U'\u221A', U'\u2212', U'\u2211', U'\u220F',
     U'\u222B', U'\u2206', U'\u2202', U'\u2208', U'\u2209', U'\u2282', U'\u222A', U'\u2229',
-    U'\u2200', U'\u2203', U'%',     U'\u2030', U'\u00B0', U'\u2032', U'\u2033'};
+    U'\u2200', U'\u2203', U'%',      U'\u2030', U'\u00B0', U'\u2032', U'\u2033'};
 
 // Never spoken.
 constexpr std::array<char32_t, 15> decorativePunctuation{
     U'\u2022', U'\u2023', U'\u25E6', U'\u2219', U'\u00B7', U'\u2043', U'\u203B', U'\u2756',
-    U'\u00B6', U'\u2020', U'\u2021', U'\u2042', U'|',     U'\u00A6', U'`'};
+    U'\u00B6', U'\u2020', U'\u2021', U'\u2042', U'|',      U'\u00A6', U'`'};
 
 // Their presence means that markup may need removing.
 constexpr std::array<char16_t, 11> markupHints{u'*', u'_', u'#', u'>', u'|', u'`',

@@ -26,9 +26,8 @@ std::u16string joined(const std::vector<std::u16string>& parts, std::u16string_v
 }
 
 bool anyNumeric(TableRow::const_iterator first, TableRow::const_iterator last) {
-    return std::any_of(first, last, [](const std::u16string& c) {
-        return TableReading::isNumeric(c);
-    });
+    return std::any_of(first, last,
+                       [](const std::u16string& c) { return TableReading::isNumeric(c); });
 }
 
 bool isBlankRow(const TableRow& row) {

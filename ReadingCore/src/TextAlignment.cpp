@@ -109,9 +109,10 @@ std::optional<std::int64_t> offset(const std::vector<std::u16string>& words,
         if (compared < required) {
             break;
         }
-        bool equal = std::equal(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(compared),
-                                tokens.begin() + static_cast<std::ptrdiff_t>(i),
-                                [](const std::u16string& w, const Token& t) { return w == t.word; });
+        bool equal =
+            std::equal(run.begin(), run.begin() + static_cast<std::ptrdiff_t>(compared),
+                       tokens.begin() + static_cast<std::ptrdiff_t>(i),
+                       [](const std::u16string& w, const Token& t) { return w == t.word; });
         if (equal) {
             match = tokens[i].offset;
             ++matches;

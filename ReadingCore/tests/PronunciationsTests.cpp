@@ -32,7 +32,8 @@ TEST(PronunciationsApply, ReplacesWholeWordsLongestFirst) {
         // Each rule sees the output of the ones before it.
         {{rule(u"New York", u"NY City"), rule(u"City", u"town")}, u"New York", u"NY town"},
         // Blank words or replacements are ignored; both sides are trimmed.
-        {{rule(u"  ", u"x"), rule(u"word", u"\t "), rule(u" \tok ", u" fine ")}, u"word ok",
+        {{rule(u"  ", u"x"), rule(u"word", u"\t "), rule(u" \tok ", u" fine ")},
+         u"word ok",
          u"word fine"},
         {{rule(u"stra\u00DFe", u"street")}, u"STRASSE strasse", u"street street"},
         {{}, u"unchanged", u"unchanged"},
@@ -93,15 +94,18 @@ private:
 TEST(PronunciationsApply, MatchesThePatternsRunOneByOne) {
     // Already longest first (in characters), so the literal run needs no sorting.
     const std::vector<PronunciationRule> rules{
-        rule(u"New York", u"NY City"), rule(u"stra\u00DFe", u"street"), rule(u"York", u"B"),
-        rule(u"City", u"town"),        rule(u"SQL", u"sequel"),         rule(u"a.b", u"$1"),
-        rule(u"K+", u"kay"),           rule(u"\u03B9", u"iota"),        rule(u"\u00DF", u"eszett"),
-        rule(u"\U0001D400", u"bold"),  rule(u"k", u"kilo"),             rule(u"1", u"one"),
+        rule(u"New York", u"NY City"), rule(u"stra\u00DFe", u"street"),
+        rule(u"York", u"B"),           rule(u"City", u"town"),
+        rule(u"SQL", u"sequel"),       rule(u"a.b", u"$1"),
+        rule(u"K+", u"kay"),           rule(u"\u03B9", u"iota"),
+        rule(u"\u00DF", u"eszett"),    rule(u"\U0001D400", u"bold"),
+        rule(u"k", u"kilo"),           rule(u"1", u"one"),
     };
     const std::u16string pieces[] = {
-        u"",       u" ",     u"new york", u"NEW\u00A0YORK", u"STRASSE", u"\u1E9E", u"\u0345",
-        u"\u0399", u"k+",    u"\u212A",   u"SQL",           u"sql2",    u"a.b",    u"\U0001D400",
-        u"\u00DF", u"city",  u"1",        u"x",             u"(",       u"\xD835", u"-",
+        u"",       u" ",          u"new york", u"NEW\u00A0YORK", u"STRASSE", u"\u1E9E",
+        u"\u0345", u"\u0399",     u"k+",       u"\u212A",        u"SQL",     u"sql2",
+        u"a.b",    u"\U0001D400", u"\u00DF",   u"city",          u"1",       u"x",
+        u"(",      u"\xD835",     u"-",
     };
     const LiteralRules literal{rules};
     for (const auto& a : pieces) {
@@ -128,7 +132,8 @@ TEST(PronunciationsActiveList, IsReplacedWhole) {
 }
 
 TEST(PronunciationRulesJson, RoundTripsAndRejectsBadInput) {
-    const std::vector<PronunciationRule> rules{rule(u"SQL", u"sequel"), rule(u"na\u00EFve", u"\"x\"")};
+    const std::vector<PronunciationRule> rules{rule(u"SQL", u"sequel"),
+                                               rule(u"na\u00EFve", u"\"x\"")};
     EXPECT_EQ(lectorbell::decodePronunciationRules(lectorbell::encodePronunciationRules(rules)),
               rules);
     auto decoded = lectorbell::decodePronunciationRules(
@@ -137,7 +142,10 @@ TEST(PronunciationRulesJson, RoundTripsAndRejectsBadInput) {
     EXPECT_EQ(decoded->at(0).id.string(), "0e9b6a3c-1111-4222-8333-444455556666");
 
     const char* bad[] = {
-        "", "{}", "[1]", R"([{"word":"a","sayAs":"b"}])",
+        "",
+        "{}",
+        "[1]",
+        R"([{"word":"a","sayAs":"b"}])",
         R"([{"id":"not-a-uuid","word":"a","sayAs":"b"}])",
         R"([{"id":"0e9b6a3c-1111-4222-8333-444455556666","word":3,"sayAs":"b"}])",
     };

@@ -10,10 +10,20 @@ namespace TableReading = lectorbell::TableReading;
 
 TEST(TableReadingIsNumeric, JudgesByNumberShareAndLetters) {
     const std::pair<std::u16string, bool> cases[] = {
-        {u"42", true},           {u"3.5%", true},  {u"$1,200", true},     {u"12 kg", true},
-        {u"A1", true},           {u" \t7\t", true}, {u"abc1", false},     {u"Q1 2024 results", false},
-        {u"", false},            {u" \t", false},  {u"n/a", false},       {u"\n\n\n5", false},
-        {u"\u0661\u0662", true}, {u"1 of 3", false},
+        {u"42", true},
+        {u"3.5%", true},
+        {u"$1,200", true},
+        {u"12 kg", true},
+        {u"A1", true},
+        {u" \t7\t", true},
+        {u"abc1", false},
+        {u"Q1 2024 results", false},
+        {u"", false},
+        {u" \t", false},
+        {u"n/a", false},
+        {u"\n\n\n5", false},
+        {u"\u0661\u0662", true},
+        {u"1 of 3", false},
     };
     for (const auto& [cell, numeric] : cases) {
         EXPECT_EQ(TableReading::isNumeric(cell), numeric) << cell.size();
@@ -27,18 +37,29 @@ TEST(TableModelInfer, DecidesOnAHeader) {
         TableModel expected;
     };
     const Case cases[] = {
-        {{{u"Name", u"Age"}, {u"Ann", u"34"}}, std::nullopt, {TableRow{u"Name", u"Age"}, {{u"Ann", u"34"}}}},
-        {{{u"Name", u"Age"}, {u"Ann", u"Bob"}}, std::nullopt, {std::nullopt, {{u"Name", u"Age"}, {u"Ann", u"Bob"}}}},
+        {{{u"Name", u"Age"}, {u"Ann", u"34"}},
+         std::nullopt,
+         {TableRow{u"Name", u"Age"}, {{u"Ann", u"34"}}}},
+        {{{u"Name", u"Age"}, {u"Ann", u"Bob"}},
+         std::nullopt,
+         {std::nullopt, {{u"Name", u"Age"}, {u"Ann", u"Bob"}}}},
         // A first row with a number is data.
-        {{{u"2020", u"Age"}, {u"Ann", u"34"}}, std::nullopt, {std::nullopt, {{u"2020", u"Age"}, {u"Ann", u"34"}}}},
+        {{{u"2020", u"Age"}, {u"Ann", u"34"}},
+         std::nullopt,
+         {std::nullopt, {{u"2020", u"Age"}, {u"Ann", u"34"}}}},
         // One filled cell is not enough for a header.
-        {{{u"Name", u""}, {u"Ann", u"34"}}, std::nullopt, {std::nullopt, {{u"Name", u""}, {u"Ann", u"34"}}}},
+        {{{u"Name", u""}, {u"Ann", u"34"}},
+         std::nullopt,
+         {std::nullopt, {{u"Name", u""}, {u"Ann", u"34"}}}},
         // Cells are trimmed and blank rows dropped before deciding.
-        {{{u" Name\n", u"\tAge "}, {u" ", u""}, {}, {u"Ann", u" 34 "}}, std::nullopt,
+        {{{u" Name\n", u"\tAge "}, {u" ", u""}, {}, {u"Ann", u" 34 "}},
+         std::nullopt,
          {TableRow{u"Name", u"Age"}, {{u"Ann", u"34"}}}},
         {{{u"only"}}, std::nullopt, {std::nullopt, {{u"only"}}}},
         // A given header is kept, and a body row repeating it dropped.
-        {{{u"A", u"B"}, {u"1", u"2"}}, TableRow{u"A", u"B"}, {TableRow{u"A", u"B"}, {{u"1", u"2"}}}},
+        {{{u"A", u"B"}, {u"1", u"2"}},
+         TableRow{u"A", u"B"},
+         {TableRow{u"A", u"B"}, {{u"1", u"2"}}}},
         {{{u""}}, TableRow{u"A", u"B"}, {TableRow{u"A", u"B"}, {}}},
         // An empty header counts as none.
         {{{u"x", u"y"}}, TableRow{}, {std::nullopt, {{u"x", u"y"}}}},
@@ -79,7 +100,8 @@ TEST(TableReadingSpokenRow, ReadsRowsAsSentences) {
 }
 
 TEST(TableReadingSpokenRows, StartsWithTheColumnsOnlyFromTheTop) {
-    TableModel model{TableRow{u"Name", u"n/a", u"Age"}, {{u"Ann", u"x", u"34"}, {u"Bob", u"y", u"5"}}};
+    TableModel model{TableRow{u"Name", u"n/a", u"Age"},
+                     {{u"Ann", u"x", u"34"}, {u"Bob", u"y", u"5"}}};
     auto fromTop = TableReading::spokenRows(model, 0);
     ASSERT_EQ(fromTop.size(), 3u);
     EXPECT_EQ(fromTop[0], u"Table with columns: Name, Age.");

@@ -29,7 +29,8 @@ TEST(TextAlignmentOffset, FindsAUniqueRun) {
         {{u"caf\u00E9"}, u"\U0001F600 CAF\u00C9 open", 1, 3},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(TextAlignment::offset(c.words, c.text, c.minimumWords), c.expected) << c.text.size();
+        EXPECT_EQ(TextAlignment::offset(c.words, c.text, c.minimumWords), c.expected)
+            << c.text.size();
     }
 }
 

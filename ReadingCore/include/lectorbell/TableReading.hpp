@@ -28,8 +28,8 @@ struct TableModel {
 namespace TableReading {
 
 // Cell texts that mean "no value" (exact, case-sensitive, untrimmed).
-inline constexpr std::array<std::u16string_view, 7> emptyMarks{
-    u"", u"-", u"\u2013", u"\u2014", u"n/a", u"N/A", u"\u00B7"};
+inline constexpr std::array<std::u16string_view, 7> emptyMarks{u"",    u"-",   u"\u2013", u"\u2014",
+                                                               u"n/a", u"N/A", u"\u00B7"};
 bool isEmptyMark(std::u16string_view cell);
 
 // Mostly a number: has a number character, fewer than 4 letters, and numbers make up at least

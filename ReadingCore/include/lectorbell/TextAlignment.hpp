@@ -21,8 +21,8 @@ struct Token {
 // place matches. Near the end of the text fewer words are compared, never fewer than
 // `minimumWords` (at least 1). A missing or repeated run gives no value, so an ambiguous phrase
 // never moves the start to the wrong place.
-std::optional<std::int64_t> offset(const std::vector<std::u16string>& words, std::u16string_view text,
-                                   int minimumWords);
+std::optional<std::int64_t> offset(const std::vector<std::u16string>& words,
+                                   std::u16string_view text, int minimumWords);
 
 // Lower case, keeping only letters, marks and digits: "Don't" becomes "dont".
 std::u16string normalize(std::u16string_view word);

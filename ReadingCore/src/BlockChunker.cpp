@@ -1,5 +1,5 @@
 #include "Paragraphs.hpp"
-#include "SpeechShaping.hpp"
+#include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
 
 namespace lectorbell {
@@ -50,8 +50,8 @@ bool BlockChunker::readWindow() {
     }
     std::size_t end = windowEnd(text_, consumed_);
     bool last = end == text_.size();
-    std::u16string window =
-        detail::removeReferenceMarkers(std::u16string_view{text_}.substr(consumed_, end - consumed_));
+    std::u16string window = SpeechCleanup::removingReferenceMarkers(
+        std::u16string_view{text_}.substr(consumed_, end - consumed_));
     consumed_ = end;
     detail::forEachLine(window, !last,
                         [&](std::u16string_view line) { builder.addLine(line, paragraphs_); });

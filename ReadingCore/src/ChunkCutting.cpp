@@ -1,18 +1,22 @@
 #include "GraphemeBreaks.hpp"
-#include "SpeechShaping.hpp"
 #include "TextClasses.hpp"
+#include "TextTrim.hpp"
+#include "lectorbell/NumberSpeech.hpp"
+#include "lectorbell/Pronunciations.hpp"
+#include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
-
-#include <unicode/utf16.h>
 
 #include <array>
 #include <optional>
+#include <unicode/utf16.h>
 
 namespace lectorbell::TextSegmenter {
 
 namespace {
 
-std::int64_t length(std::u16string_view s) { return static_cast<std::int64_t>(s.size()); }
+std::int64_t length(std::u16string_view s) {
+    return static_cast<std::int64_t>(s.size());
+}
 
 std::u16string_view slice(std::u16string_view s, std::int64_t from, std::int64_t to) {
     return s.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(to - from));
@@ -48,11 +52,13 @@ std::optional<std::int64_t> lastSpaceCut(std::u16string_view text, std::int64_t 
 }
 
 bool isBullet(char16_t c) {
-    return c == u'\u2022' || c == u'\u25AA' || c == u'\u25E6' || c == u'\u25CF' ||
-           c == u'\u2023' || c == u'\u2219';
+    return c == u'\u2022' || c == u'\u25AA' || c == u'\u25E6' || c == u'\u25CF' || c == u'\u2023' ||
+           c == u'\u2219';
 }
 
-bool isInvisible(char32_t c) { return c == 0x00AD || c == 0x200B || c == 0xFEFF; }
+bool isInvisible(char32_t c) {
+    return c == 0x00AD || c == 0x200B || c == 0xFEFF;
+}
 
 SpeechChunk chunkOf(std::u16string_view text, std::int64_t blockIndex) {
     return SpeechChunk{std::u16string{text}, speechNormalized(text), blockIndex};
@@ -65,16 +71,17 @@ std::vector<std::u16string> splitLong(std::u16string_view text, std::int64_t max
     std::vector<std::u16string> pieces;
     std::u16string_view rest = text;
     while (length(rest) > m) {
-        std::int64_t cut = pauseMarkCut(rest, m)
-                               .value_or(lastSpaceCut(rest, m).value_or(UTF16Text::snapDown(m, rest)));
+        std::int64_t cut = pauseMarkCut(rest, m).value_or(
+            lastSpaceCut(rest, m).value_or(UTF16Text::snapDown(m, rest)));
         if (cut <= 0) {
             cut = length(rest) < 2 ? length(rest) : UTF16Text::snapUp(1, rest);
         }
-        std::u16string_view piece = detail::trimHorizontal(slice(rest, 0, cut));
+        std::u16string_view piece = detail::trimSpacesAndTabs(slice(rest, 0, cut));
         if (!piece.empty()) {
             pieces.emplace_back(piece);
         }
-        rest = detail::trimHorizontal(rest.substr(static_cast<std::size_t>(UTF16Text::index(rest, cut))));
+        rest = detail::trimSpacesAndTabs(
+            rest.substr(static_cast<std::size_t>(UTF16Text::index(rest, cut))));
     }
     if (!rest.empty()) {
         pieces.emplace_back(rest);
@@ -102,10 +109,12 @@ std::u16string speechNormalized(std::u16string_view text) {
         }
         i += width;
     }
-    std::u16string spoken = detail::shapeForSpeech(detail::trimHorizontal(collapsed));
+    std::u16string spoken = SpeechCleanup::clean(detail::trimSpacesAndTabs(collapsed));
+    spoken = NumberSpeech::normalize(spoken);
+    spoken = Pronunciations::apply(spoken);
     std::u16string_view result = spoken;
     while (!result.empty() && isBullet(result.front())) {
-        result = detail::trimHorizontal(result.substr(1));
+        result = detail::trimSpacesAndTabs(result.substr(1));
     }
     return std::u16string{result};
 }
@@ -113,7 +122,7 @@ std::u16string speechNormalized(std::u16string_view text) {
 std::vector<SpeechChunk> splitLeading(const SpeechChunk& chunk, std::int64_t maxUTF16,
                                       std::int64_t minUTF16) {
     static constexpr std::array<std::u16string_view, 5> marks{u", ", u"; ", u": ", u" \u2014 ",
-                                                               u" \u2013 "};
+                                                              u" \u2013 "};
     std::u16string_view text = chunk.text;
     const std::int64_t total = length(text);
     if (maxUTF16 >= total) {
@@ -135,8 +144,9 @@ std::vector<SpeechChunk> splitLeading(const SpeechChunk& chunk, std::int64_t max
     if (!cut || *cut >= total - minUTF16) {
         return {chunk};
     }
-    SpeechChunk head = chunkOf(detail::trimHorizontal(slice(text, 0, *cut)), chunk.blockIndex);
-    SpeechChunk tail = chunkOf(detail::trimHorizontal(slice(text, *cut, total)), chunk.blockIndex);
+    SpeechChunk head = chunkOf(detail::trimSpacesAndTabs(slice(text, 0, *cut)), chunk.blockIndex);
+    SpeechChunk tail =
+        chunkOf(detail::trimSpacesAndTabs(slice(text, *cut, total)), chunk.blockIndex);
     // A head or tail with nothing to say would leave a silent utterance: keep the chunk whole.
     if (head.spokenText.empty() || tail.spokenText.empty()) {
         return {chunk};

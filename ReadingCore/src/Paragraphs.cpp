@@ -1,6 +1,8 @@
 #include "Paragraphs.hpp"
 
+#include "Characters.hpp"
 #include "TextClasses.hpp"
+#include "TextTrim.hpp"
 #include "lectorbell/TextSegmenter.hpp"
 
 namespace lectorbell {
@@ -24,7 +26,7 @@ bool endsWithHyphenAfterLetter(std::u16string_view s) {
 } // namespace
 
 void ParagraphBuilder::addLine(std::u16string_view rawLine, std::vector<std::u16string>& out) {
-    std::u16string_view line = trimHorizontal(rawLine);
+    std::u16string_view line = trimSpacesAndTabs(rawLine);
     if (line.empty()) {
         flush(out);
         return;
@@ -46,7 +48,9 @@ void ParagraphBuilder::addLine(std::u16string_view rawLine, std::vector<std::u16
     }
 }
 
-void ParagraphBuilder::finish(std::vector<std::u16string>& out) { flush(out); }
+void ParagraphBuilder::finish(std::vector<std::u16string>& out) {
+    flush(out);
+}
 
 bool ParagraphBuilder::takeOpen(std::u16string& paragraph) {
     if (!hasCurrent_) {
@@ -75,10 +79,10 @@ namespace {
 // Words after which a line-end hyphen is a real hyphen, kept when lines are joined.
 bool isCompoundPrefix(std::u16string_view word) {
     static constexpr std::u16string_view prefixes[] = {
-        u"self", u"well", u"non",   u"co",    u"anti",   u"pre",   u"post",  u"multi", u"ex",
-        u"long", u"high", u"low",   u"full",  u"half",   u"cross", u"open",  u"short", u"one",
-        u"two",  u"three", u"four", u"five",  u"real",   u"state", u"end",   u"user",  u"first",
-        u"second", u"third", u"all", u"semi", u"sub",    u"inter", u"over"};
+        u"self",   u"well",  u"non",  u"co",   u"anti", u"pre",   u"post", u"multi", u"ex",
+        u"long",   u"high",  u"low",  u"full", u"half", u"cross", u"open", u"short", u"one",
+        u"two",    u"three", u"four", u"five", u"real", u"state", u"end",  u"user",  u"first",
+        u"second", u"third", u"all",  u"semi", u"sub",  u"inter", u"over"};
     for (std::u16string_view prefix : prefixes) {
         if (prefix == word) {
             return true;
@@ -93,8 +97,9 @@ std::u16string lastWord(std::u16string_view s) {
     std::size_t wordEnd = 0;
     std::size_t runStart = 0;
     bool inRun = false;
-    detail::forEachCharacter(s, [&](std::size_t start, std::size_t end) {
-        if (detail::isLetterCharacter(s.substr(start, end - start))) {
+    detail::forEachCharacter(s, [&](std::u16string_view character, std::size_t start) {
+        std::size_t end = start + character.size();
+        if (detail::isLetterCharacter(character)) {
             if (!inRun) {
                 runStart = start;
                 inRun = true;
@@ -104,6 +109,7 @@ std::u16string lastWord(std::u16string_view s) {
         } else {
             inRun = false;
         }
+        return true;
     });
     return detail::lowercased(s.substr(wordStart, wordEnd - wordStart));
 }
@@ -111,7 +117,8 @@ std::u16string lastWord(std::u16string_view s) {
 } // namespace
 
 bool isTerminalPunctuation(std::u16string_view character) {
-    return character.size() == 1 && terminalPunctuation.find(character[0]) != std::u16string_view::npos;
+    return character.size() == 1 &&
+           terminalPunctuation.find(character[0]) != std::u16string_view::npos;
 }
 
 std::u16string joinWrappedLines(std::u16string_view a, std::u16string_view b) {
@@ -131,7 +138,8 @@ std::u16string joinWrappedLines(std::u16string_view a, std::u16string_view b) {
 std::vector<std::u16string> paragraphs(std::u16string_view text) {
     std::vector<std::u16string> result;
     detail::ParagraphBuilder builder;
-    detail::forEachLine(text, false, [&](std::u16string_view line) { builder.addLine(line, result); });
+    detail::forEachLine(text, false,
+                        [&](std::u16string_view line) { builder.addLine(line, result); });
     builder.finish(result);
     return result;
 }

@@ -91,9 +91,10 @@ void ReadingSession::ensureChunk(std::int64_t index) {
         return;
     }
     const auto total = static_cast<std::int64_t>(payload_->blocks.size() + appended_.size());
-    extendChunks(chunks_, chunker_, nextBlockToChunk_, total,
-                 [this](std::int64_t i) -> const std::u16string& { return blockText(i); },
-                 leadChunkMaxUTF16, chunkMaxUTF16, index);
+    extendChunks(
+        chunks_, chunker_, nextBlockToChunk_, total,
+        [this](std::int64_t i) -> const std::u16string& { return blockText(i); }, leadChunkMaxUTF16,
+        chunkMaxUTF16, index);
 }
 
 bool ReadingSession::isHead(const Uuid& id) const {
@@ -130,8 +131,8 @@ void ReadingSession::reportPartialHead() {
             // A cut that is not on a character boundary counts nothing.
             if (headSpokenUpTo_ <= static_cast<std::int64_t>(spoken.size()) &&
                 UTF16Text::snapDown(headSpokenUpTo_, spoken) == headSpokenUpTo_) {
-                words = ListeningStats::countWords(
-                    std::u16string_view{spoken}.substr(0, static_cast<std::size_t>(headSpokenUpTo_)));
+                words = ListeningStats::countWords(std::u16string_view{spoken}.substr(
+                    0, static_cast<std::size_t>(headSpokenUpTo_)));
             }
             onListened(words, uptime_() - *headStartedAt_);
         }
@@ -171,7 +172,8 @@ void ReadingSession::start(ReadingPayload payload, std::int64_t generation, bool
         transition(SessionState::speaking());
         fillQueue();
     } else {
-        transition(SessionState::failed(ReadingError{ReadingError::Kind::noReadableTextNearCursor}));
+        transition(
+            SessionState::failed(ReadingError{ReadingError::Kind::noReadableTextNearCursor}));
     }
 }
 

@@ -1,14 +1,14 @@
 #include "GraphemeBreaks.hpp"
 #include "TextClasses.hpp"
+#include "TextTrim.hpp"
 #include "lectorbell/Fatal.hpp"
 #include "lectorbell/TextSegmenter.hpp"
-
-#include <unicode/brkiter.h>
-#include <unicode/utext.h>
 
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <unicode/brkiter.h>
+#include <unicode/utext.h>
 
 namespace lectorbell::TextSegmenter {
 
@@ -19,12 +19,12 @@ using detail::scalarBefore;
 
 bool isAbbreviation(std::u16string_view word) {
     static constexpr std::array<std::u16string_view, 53> abbreviations{
-        u"mr",   u"mrs",  u"ms",  u"dr",   u"prof",   u"sr",  u"jr",   u"st",   u"vs",
-        u"etc",  u"e.g",  u"i.e", u"u.s",  u"u.k",    u"no",  u"fig",  u"figs", u"approx",
-        u"inc",  u"ltd",  u"co",  u"corp", u"dept",   u"est", u"vol",  u"pp",   u"ed",
-        u"eds",  u"al",   u"jan", u"feb",  u"mar",    u"apr", u"jun",  u"jul",  u"aug",
-        u"sep",  u"sept", u"oct", u"nov",  u"dec",    u"mt",  u"ave",  u"gen",  u"gov",
-        u"sen",  u"rep",  u"rev", u"ph.d", u"a.m",    u"p.m", u"cf",   u"viz"};
+        u"mr",  u"mrs",  u"ms",  u"dr",   u"prof", u"sr",  u"jr",  u"st",   u"vs",
+        u"etc", u"e.g",  u"i.e", u"u.s",  u"u.k",  u"no",  u"fig", u"figs", u"approx",
+        u"inc", u"ltd",  u"co",  u"corp", u"dept", u"est", u"vol", u"pp",   u"ed",
+        u"eds", u"al",   u"jan", u"feb",  u"mar",  u"apr", u"jun", u"jul",  u"aug",
+        u"sep", u"sept", u"oct", u"nov",  u"dec",  u"mt",  u"ave", u"gen",  u"gov",
+        u"sen", u"rep",  u"rev", u"ph.d", u"a.m",  u"p.m", u"cf",  u"viz"};
     return std::find(abbreviations.begin(), abbreviations.end(), word) != abbreviations.end();
 }
 
@@ -60,7 +60,8 @@ std::vector<Span> tokenizerSpans(std::u16string_view text) {
     it.setText(&utext, status);
     if (U_SUCCESS(status)) {
         int32_t start = it.first();
-        for (int32_t end = it.next(); end != icu::BreakIterator::DONE; start = end, end = it.next()) {
+        for (int32_t end = it.next(); end != icu::BreakIterator::DONE;
+             start = end, end = it.next()) {
             spans.push_back({static_cast<std::size_t>(start), static_cast<std::size_t>(end)});
         }
     }
@@ -69,13 +70,12 @@ std::vector<Span> tokenizerSpans(std::u16string_view text) {
 }
 
 bool isClosingQuote(char32_t c) {
-    return c == u'"' || c == u'\u201D' || c == u'\u2019' || c == u'\'' || c == u')' ||
-           c == u']';
+    return c == u'"' || c == u'\u201D' || c == u'\u2019' || c == u'\'' || c == u')' || c == u']';
 }
 
 bool isOpeningPunctuation(char32_t c) {
-    return c == u'"' || c == u'\u201C' || c == u'\u2018' || c == u'\'' || c == u'(' ||
-           c == u'[' || c == u'\u00AB';
+    return c == u'"' || c == u'\u201C' || c == u'\u2018' || c == u'\'' || c == u'(' || c == u'[' ||
+           c == u'\u00AB';
 }
 
 // A citation mark such as "[12]", "[3–5]", "[b]" or "[citation needed]" at the start of s.
@@ -112,7 +112,8 @@ std::size_t hiddenEndingAt(std::u16string_view text, std::size_t i, std::size_t 
     if (text[i] == u'\u2026') {
         return 1;
     }
-    if (text[i] == u'[' && i > 0 && (text[i - 1] == u'.' || text[i - 1] == u'!' || text[i - 1] == u'?')) {
+    if (text[i] == u'[' && i > 0 &&
+        (text[i - 1] == u'.' || text[i - 1] == u'!' || text[i - 1] == u'?')) {
         return citationMarkLength(text.substr(i, end - i));
     }
     return 0;
@@ -120,7 +121,8 @@ std::size_t hiddenEndingAt(std::u16string_view text, std::size_t i, std::size_t 
 
 // Adds the breaks the tokenizer misses before a capitalised word (not the pronoun "I") after a
 // hidden ending.
-std::vector<Span> splitAfterHiddenEndings(std::u16string_view text, const std::vector<Span>& spans) {
+std::vector<Span> splitAfterHiddenEndings(std::u16string_view text,
+                                          const std::vector<Span>& spans) {
     std::vector<Span> result;
     for (Span span : spans) {
         for (std::size_t i = span.start; i < span.end; ++i) {
@@ -140,8 +142,8 @@ std::vector<Span> splitAfterHiddenEndings(std::u16string_view text, const std::v
                 continue;
             }
             std::u16string_view next = detail::firstCharacter(text.substr(p, span.end - p));
-            bool pronounI = next == u"I" && (p + 1 >= span.end ||
-                                             !detail::isLetterOrDigit(scalarAt(text, p + 1)));
+            bool pronounI = next == u"I" &&
+                            (p + 1 >= span.end || !detail::isLetterOrDigit(scalarAt(text, p + 1)));
             if (detail::isUppercaseCharacter(next) && !pronounI) {
                 result.push_back({span.start, p});
                 span.start = p;
@@ -167,8 +169,8 @@ std::size_t citationCarryOver(std::u16string_view text, Span previous, Span next
     std::size_t open = before.rfind(u'[');
     if (open != std::u16string_view::npos && before.size() - open <= 24 &&
         before.find(u']', open) == std::u16string_view::npos) {
-        std::size_t length = citationMarkLength(text.substr(previous.start + open,
-                                                            next.end - previous.start - open));
+        std::size_t length = citationMarkLength(
+            text.substr(previous.start + open, next.end - previous.start - open));
         if (length > before.size() - open) {
             std::size_t end = previous.start + open + length;
             return skipHorizontal(text, end, next.end) - next.start;
@@ -183,12 +185,14 @@ std::size_t citationCarryOver(std::u16string_view text, Span previous, Span next
     return 0;
 }
 
-bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool isDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 // Where a list number such as "1.", "2)" or "3.)" starts at the end of s (trailing whitespace
 // ignored), or npos.
 std::size_t trailingListNumber(std::u16string_view s) {
-    s = detail::trimWhitespaceAndNewlines(s);
+    s = detail::trimWhitespace(s);
     std::size_t i = s.size();
     bool paren = i > 0 && s[i - 1] == u')';
     i -= paren ? 1 : 0;
@@ -220,7 +224,7 @@ bool endsWithListNumber(std::u16string_view s) {
     if (start == std::u16string_view::npos) {
         return false;
     }
-    std::u16string_view head = detail::trimHorizontal(s.substr(0, start));
+    std::u16string_view head = detail::trimSpacesAndTabs(s.substr(0, start));
     return head.empty() || head.back() == u':' || head.back() == u';';
 }
 
@@ -228,7 +232,7 @@ bool endsWithListNumber(std::u16string_view s) {
 // parenthesis: "in 1990." is a year, not a list.
 std::size_t listMarkerToCarryForward(std::u16string_view s) {
     std::size_t start = trailingListNumber(s);
-    std::u16string_view trimmed = detail::trimWhitespaceAndNewlines(s);
+    std::u16string_view trimmed = detail::trimWhitespace(s);
     if (start == std::u16string_view::npos || start == 0 || trimmed.back() != u')' ||
         endsWithListNumber(s)) {
         return 0;
@@ -237,7 +241,7 @@ std::size_t listMarkerToCarryForward(std::u16string_view s) {
 }
 
 bool endsWithEllipsis(std::u16string_view s) {
-    s = detail::trimWhitespaceAndNewlines(s);
+    s = detail::trimWhitespace(s);
     if (!s.empty() && s.back() == u'\u2026') {
         return true;
     }
@@ -253,19 +257,20 @@ bool endsWithEllipsis(std::u16string_view s) {
 }
 
 bool startsWithPronounI(std::u16string_view s) {
-    s = detail::trimWhitespaceAndNewlines(s);
+    s = detail::trimWhitespace(s);
     return s.starts_with(u"I") && (s.size() == 1 || !detail::isLetterOrDigit(scalarAt(s, 1)));
 }
 
 // A short word before the final period followed by a number: "N\u00B0. 12", "p. 5".
 bool numberAfterShortWord(std::u16string_view before, std::u16string_view after) {
-    std::u16string_view trimmed = detail::trimWhitespaceAndNewlines(before);
+    std::u16string_view trimmed = detail::trimWhitespace(before);
     if (trimmed.empty() || trimmed.back() != u'.') {
         return false;
     }
     trimmed.remove_suffix(1);
     std::size_t space = trimmed.find_last_of(u" (");
-    std::u16string_view word = space == std::u16string_view::npos ? trimmed : trimmed.substr(space + 1);
+    std::u16string_view word =
+        space == std::u16string_view::npos ? trimmed : trimmed.substr(space + 1);
     // Two letters at most ("p", "pp"), or a sign that is not a letter ("N\u00B0"): "lid. 2." is a
     // sentence end before a list number.
     bool hasSign = false;
@@ -274,14 +279,15 @@ bool numberAfterShortWord(std::u16string_view before, std::u16string_view after)
         hasDigit = hasDigit || isDigit(c);
         hasSign = hasSign || (!isDigit(c) && !detail::isLetterOrDigit(c));
     }
-    std::u16string_view next = detail::trimWhitespaceAndNewlines(after);
-    bool shortWord = !word.empty() && !hasDigit && (word.size() <= 2 || (hasSign && word.size() <= 3));
+    std::u16string_view next = detail::trimWhitespace(after);
+    bool shortWord =
+        !word.empty() && !hasDigit && (word.size() <= 2 || (hasSign && word.size() <= 3));
     return shortWord && !next.empty() && isDigit(next[0]);
 }
 
 // "(Smith 55)." after a quotation: a reference that ends the sentence before it.
 bool isParentheticalReference(std::u16string_view s) {
-    s = detail::trimWhitespaceAndNewlines(s);
+    s = detail::trimWhitespace(s);
     if (s.size() < 3 || s.front() != u'(' || s.size() > 48) {
         return false;
     }
@@ -332,7 +338,7 @@ bool belongsToPrevious(std::u16string_view text, Span previous, Span next) {
 } // namespace
 
 bool endsWithAbbreviation(std::u16string_view s) {
-    s = detail::trimWhitespaceAndNewlines(s);
+    s = detail::trimWhitespace(s);
     if (s.empty() || s.back() != u'.') {
         return false;
     }
@@ -340,8 +346,8 @@ bool endsWithAbbreviation(std::u16string_view s) {
     std::u16string_view lastWord;
     std::size_t start = 0;
     for (std::size_t i = 0; i <= s.size(); ++i) {
-        bool separator = i == s.size() || s[i] == u' ' || s[i] == u'(' || s[i] == u'"' ||
-                         s[i] == u'\u201C';
+        bool separator =
+            i == s.size() || s[i] == u' ' || s[i] == u'(' || s[i] == u'"' || s[i] == u'\u201C';
         if (separator) {
             if (i > start) {
                 lastWord = s.substr(start, i - start);
@@ -411,7 +417,7 @@ std::vector<Sentence> sentencesWithRanges(std::u16string_view text) {
         if (end < start) {
             continue;
         }
-        std::u16string_view sentence = detail::trimWhitespaceAndNewlines(
+        std::u16string_view sentence = detail::trimWhitespace(
             text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)));
         if (!sentence.empty()) {
             result.push_back({range, std::u16string{sentence}});

@@ -17,39 +17,8 @@ bool isNewline(char32_t c) {
     return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
 }
 
-bool isWhitespaceOrNewline(char32_t c) { return isHorizontalWhitespace(c) || isNewline(c); }
-
-namespace {
-
-template <class Predicate>
-std::u16string_view trimWith(std::u16string_view s, Predicate isSpace) {
-    std::size_t start = 0;
-    while (start < s.size()) {
-        char32_t c = scalarAt(s, start);
-        if (!isSpace(c)) {
-            break;
-        }
-        start += U16_LENGTH(c);
-    }
-    std::size_t end = s.size();
-    while (end > start) {
-        char32_t c = scalarBefore(s, end);
-        if (!isSpace(c)) {
-            break;
-        }
-        end -= U16_LENGTH(c);
-    }
-    return s.substr(start, end - start);
-}
-
-} // namespace
-
-std::u16string_view trimHorizontal(std::u16string_view s) {
-    return trimWith(s, isHorizontalWhitespace);
-}
-
-std::u16string_view trimWhitespaceAndNewlines(std::u16string_view s) {
-    return trimWith(s, isWhitespaceOrNewline);
+bool isWhitespaceOrNewline(char32_t c) {
+    return isHorizontalWhitespace(c) || isNewline(c);
 }
 
 char32_t scalarAt(std::u16string_view s, std::size_t i) {
@@ -68,8 +37,7 @@ std::u16string_view firstCharacter(std::u16string_view s) {
     if (s.empty()) {
         return s;
     }
-    auto end = s.size() < 2 ? s.size()
-                            : static_cast<std::size_t>(graphemeEndAtOrAfter(s, 1));
+    auto end = s.size() < 2 ? s.size() : static_cast<std::size_t>(graphemeEndAtOrAfter(s, 1));
     return s.substr(0, end);
 }
 
@@ -80,19 +48,6 @@ std::u16string_view lastCharacter(std::u16string_view s) {
     auto length = static_cast<std::int64_t>(s.size());
     auto start = length < 2 ? 0 : static_cast<std::size_t>(graphemeStartAtOrBefore(s, length - 1));
     return s.substr(start);
-}
-
-void forEachCharacter(std::u16string_view s,
-                      const std::function<void(std::size_t, std::size_t)>& visit) {
-    std::size_t start = 0;
-    while (start < s.size()) {
-        std::size_t end = start + U16_LENGTH(scalarAt(s, start));
-        if (end < s.size()) {
-            end = static_cast<std::size_t>(graphemeEndAtOrAfter(s, static_cast<std::int64_t>(end)));
-        }
-        visit(start, end);
-        start = end;
-    }
 }
 
 namespace {
@@ -150,8 +105,7 @@ bool isLetterOrDigit(char32_t c) {
 std::u16string lowercased(std::u16string_view s) {
     icu::UnicodeString text = unicodeString(s);
     text.toLower(icu::Locale::getRoot());
-    return {text.getBuffer(),
-            static_cast<std::size_t>(text.length())};
+    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
 }
 
 } // namespace lectorbell::detail

@@ -3,7 +3,6 @@
 // Character classes and trimming shared by the segmentation code. Internal to ReadingCore.
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -15,9 +14,6 @@ bool isHorizontalWhitespace(char32_t c);
 bool isNewline(char32_t c);
 bool isWhitespaceOrNewline(char32_t c);
 
-std::u16string_view trimHorizontal(std::u16string_view s);
-std::u16string_view trimWhitespaceAndNewlines(std::u16string_view s);
-
 // The scalar starting at offset i (an unpaired surrogate stands for itself).
 char32_t scalarAt(std::u16string_view s, std::size_t i);
 // The scalar ending just before offset i.
@@ -26,9 +22,6 @@ char32_t scalarBefore(std::u16string_view s, std::size_t i);
 // Whole user-perceived characters (grapheme clusters).
 std::u16string_view firstCharacter(std::u16string_view s);
 std::u16string_view lastCharacter(std::u16string_view s);
-// Calls visit(start, end) for each grapheme, in order.
-void forEachCharacter(std::u16string_view s,
-                      const std::function<void(std::size_t, std::size_t)>& visit);
 
 // A one-scalar character with the Lowercase property, or a longer one that lower-casing leaves
 // alone and upper-casing changes.

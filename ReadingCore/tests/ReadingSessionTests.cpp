@@ -47,7 +47,8 @@ ReadingPayload payloadOf(std::vector<std::u16string> texts) {
 }
 
 struct Harness {
-    explicit Harness(std::int64_t lookahead = 1) : session(synth, lookahead, [this] { return now; }) {
+    explicit Harness(std::int64_t lookahead = 1)
+        : session(synth, lookahead, [this] { return now; }) {
         session.onStateChange = [this](const SessionState& s) { states.push_back(s.kind()); };
         session.onListened = [this](std::int64_t w, double s) { listened.emplace_back(w, s); };
         session.onFirstSpeech = [this](std::int64_t g) { firstSpeech.push_back(g); };
@@ -184,7 +185,7 @@ TEST(ReadingSession, Skip) {
     ASSERT_EQ(h.synth.spoken.size(), 4U);
     EXPECT_EQ(h.spokenText(2), u"One.");
     EXPECT_EQ(h.synth.stops, 2); // beginPreparing and the skip
-    h.session.skip(5); // past the end
+    h.session.skip(5);           // past the end
     EXPECT_EQ(h.synth.spoken.size(), 4U);
     h.session.pause();
     h.session.skip(2);

@@ -6,7 +6,6 @@
 #include "lectorbell/Utf8.hpp"
 
 #include <gtest/gtest.h>
-
 #include <iostream>
 #include <string>
 #include <vector>

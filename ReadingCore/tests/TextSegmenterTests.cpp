@@ -1,6 +1,5 @@
+#include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
-
-#include "SpeechShaping.hpp"
 
 #include <gtest/gtest.h>
 
@@ -55,10 +54,20 @@ TEST(TextSegmenter, EndsWithAbbreviation) {
         bool expected;
     };
     const Case cases[] = {
-        {u"Mr.", true},          {u"See fig.", true},    {u"J.", true},      {u"(K.", true},
-        {u"the U.S.", true},     {u"a Ph.D.", true},     {u"e.g.", true},    {u"home.", false},
-        {u"done", false},        {u"  .  ", false},      {u"I said \u201Cetc.", true},
-        {u"1.", false},          {u"\u00C9.", true},    {u"", false},
+        {u"Mr.", true},
+        {u"See fig.", true},
+        {u"J.", true},
+        {u"(K.", true},
+        {u"the U.S.", true},
+        {u"a Ph.D.", true},
+        {u"e.g.", true},
+        {u"home.", false},
+        {u"done", false},
+        {u"  .  ", false},
+        {u"I said \u201Cetc.", true},
+        {u"1.", false},
+        {u"\u00C9.", true},
+        {u"", false},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(TextSegmenter::endsWithAbbreviation(c.s), c.expected);
@@ -105,7 +114,8 @@ TEST(TextSegmenter, SplitLong) {
     EXPECT_TRUE(TextSegmenter::splitLong(u"", 100).empty());
     // A limit below one grapheme still makes progress, one character at a time.
     EXPECT_EQ(TextSegmenter::splitLong(u"\U0001F600ab", 1), (Strings{u"\U0001F600", u"a", u"b"}));
-    for (const std::u16string& piece : TextSegmenter::splitLong(repeat(u"lorem ipsum, ", 200), 37)) {
+    for (const std::u16string& piece :
+         TextSegmenter::splitLong(repeat(u"lorem ipsum, ", 200), 37)) {
         EXPECT_LE(piece.size(), 37U);
     }
 }
@@ -117,7 +127,8 @@ TEST(TextSegmenter, SpeechNormalizedCollapsesSpacesAndDropsBullets) {
 }
 
 TEST(TextSegmenter, SplitLeading) {
-    const std::u16string text = u"Well, this is a long sentence that goes on, and on and on for a while.";
+    const std::u16string text =
+        u"Well, this is a long sentence that goes on, and on and on for a while.";
     const SpeechChunk chunk{text, TextSegmenter::speechNormalized(text), 3};
     std::vector<SpeechChunk> parts = TextSegmenter::splitLeading(chunk, 46, 12);
     ASSERT_EQ(parts.size(), 2U);
@@ -129,7 +140,8 @@ TEST(TextSegmenter, SplitLeading) {
     // A tail no longer than the minimum stays with the head.
     EXPECT_EQ(TextSegmenter::splitLeading(chunk, 46, 27).size(), 1U);
     const SpeechChunk shortChunk{u"Short, yes.", u"Short, yes.", 0};
-    EXPECT_EQ(TextSegmenter::splitLeading(shortChunk, 40, 12), std::vector<SpeechChunk>{shortChunk});
+    EXPECT_EQ(TextSegmenter::splitLeading(shortChunk, 40, 12),
+              std::vector<SpeechChunk>{shortChunk});
 }
 
 TEST(TextSegmenter, ChunksCarryTheirBlockAndSkipUnspeakablePieces) {
@@ -155,7 +167,7 @@ TEST(TextSegmenter, WindowedChunkingMatchesWholeText) {
     }
     std::vector<SpeechChunk> expected;
     for (const std::u16string& paragraph :
-         TextSegmenter::paragraphs(detail::removeReferenceMarkers(text))) {
+         TextSegmenter::paragraphs(SpeechCleanup::removingReferenceMarkers(text))) {
         for (const std::u16string& sentence : TextSegmenter::sentences(paragraph)) {
             for (const std::u16string& piece : TextSegmenter::splitLong(sentence, 320)) {
                 std::u16string spoken = TextSegmenter::speechNormalized(piece);

@@ -101,7 +101,8 @@ int runChunks(const ChunksOptions& options) {
     auto printNew = [&] {
         for (; printed < engine.spoken(); ++printed) {
             const SpeechChunk& chunk = session.chunks().at(printed);
-            std::cout << "{\"block\": " << chunk.blockIndex << ", \"text\": " << jsonString(chunk.text)
+            std::cout << "{\"block\": " << chunk.blockIndex
+                      << ", \"text\": " << jsonString(chunk.text)
                       << ", \"spoken\": " << jsonString(chunk.spokenText) << "}\n";
         }
     };

@@ -65,9 +65,9 @@ public:
     void reset();
 
     // The spoken texts of the first `count` chunks a session would produce for the payload.
-    static std::vector<std::u16string> leadingUtterances(const ReadingPayload& payload,
-                                                         std::int64_t count,
-                                                         std::optional<std::int64_t> leadChunkMaxUTF16);
+    static std::vector<std::u16string>
+    leadingUtterances(const ReadingPayload& payload, std::int64_t count,
+                      std::optional<std::int64_t> leadChunkMaxUTF16);
 
     void speechDidStart(const Uuid& id) override;
     void speechDidFinish(const Uuid& id) override;

@@ -35,7 +35,8 @@ public:
     friend bool operator==(const SessionState&, const SessionState&) = default;
 
 private:
-    explicit SessionState(Kind kind) : kind_(kind) {}
+    explicit SessionState(Kind kind)
+        : kind_(kind) {}
 
     Kind kind_;
     std::optional<ReadingEndReason> endReason_;

@@ -4,8 +4,7 @@ namespace lectorbell::cli {
 
 void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     // Each verb adds itself here with its own add<Name>Verb(app, outcome).
-    (void)app;
-    (void)outcome;
+    addGestureVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

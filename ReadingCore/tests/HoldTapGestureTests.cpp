@@ -27,8 +27,7 @@ struct Step {
 
 struct Case {
     const char* name;
-    bool instant;
-    bool triple;
+    bool tripleTaps;
     std::vector<Step> steps;
 };
 
@@ -43,10 +42,10 @@ const Actions tripleTap{Action::tripleTap()};
 
 // Drives the gesture the way the coordinator does: a reading is active from begin or
 // continueLatched until stop or tripleTap.
-void run(const Case& c) {
+void run(const Case& c, bool instantStart) {
     SCOPED_TRACE(c.name);
-    HoldTapGesture gesture{c.instant};
-    gesture.tripleTapEnabled = c.triple;
+    HoldTapGesture gesture{instantStart};
+    gesture.tripleTapEnabled = c.tripleTaps;
     bool readingActive = false;
     for (std::size_t i = 0; i < c.steps.size(); ++i) {
         const Step& step = c.steps[i];
@@ -83,157 +82,81 @@ void run(const Case& c) {
 
 using E = Event;
 
+// One gesture per row, as the user would describe it.
+// clang-format off
 TEST(HoldTapGesture, DefaultMode) {
     const Case cases[] = {
-        {"hold",
-         false,
-         false,
-         {{E::down, 0, beginGated}, {E::hold, 0.15, openGate}, {E::up, 1, stop}}},
-        {"hold timer early within tolerance",
-         false,
-         false,
+        {"hold", false, {{E::down, 0, beginGated}, {E::hold, 0.15, openGate}, {E::up, 1, stop}}},
+        {"hold timer early within tolerance", false,
          {{E::down, 0, beginGated}, {E::hold, 0.149, openGate}, {E::up, 0.5, stop}}},
-        {"hold timer too early",
-         false,
-         false,
+        {"hold timer too early", false,
          {{E::down, 0, beginGated}, {E::hold, 0.14, none}, {E::up, 0.5, stop}}},
-        {"single quick tap is silent",
-         false,
-         false,
+        {"single quick tap is silent", false,
          {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::hold, 0.15, none}}},
-        {"release at exactly the threshold is a hold, not a tap",
-         false,
-         false,
+        {"release at exactly the threshold is a hold, not a tap", false,
          {{E::down, 0, beginGated}, {E::up, 0.15, stop}, {E::down, 0.3, beginGated}}},
-        {"double tap latches, the next tap stops",
-         false,
-         false,
-         {{E::down, 0, beginGated},
-          {E::up, 0.1, stop},
-          {E::down, 0.2, beginUngated},
-          {E::hold, 0.35, none},
-          {E::up, 0.3, none},
-          {E::down, 1, stop},
-          {E::hold, 1.15, none},
-          {E::up, 1.2, none},
-          {E::down, 2, beginGated}}},
-        {"gap equal to the window is a double tap",
-         false,
-         false,
+        {"double tap latches, the next tap stops", false,
+         {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.2, beginUngated},
+          {E::hold, 0.35, none}, {E::up, 0.3, none}, {E::down, 1, stop}, {E::hold, 1.15, none},
+          {E::up, 1.2, none}, {E::down, 2, beginGated}}},
+        {"gap equal to the window is a double tap", false,
          {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.45, beginUngated}}},
-        {"gap of 0.36 is a new press",
-         false,
-         false,
+        {"gap of 0.36 is a new press", false,
          {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.46, beginGated}}},
-        {"auto-repeat is ignored and keeps the press time",
-         false,
-         false,
-         {{E::down, 0, beginGated},
-          {E::down, 0.1, none},
-          {E::up, 0.2, stop},
+        {"auto-repeat is ignored and keeps the press time", false,
+         {{E::down, 0, beginGated}, {E::down, 0.1, none}, {E::up, 0.2, stop},
           {E::down, 0.3, beginGated}}},
-        {"release without press", false, false, {{E::up, 0.5, none}, {E::down, 0.6, beginGated}}},
-        {"latched reading that ended by itself starts anew",
-         false,
-         false,
-         {{E::down, 0, beginGated},
-          {E::up, 0.1, stop},
-          {E::down, 0.2, beginUngated},
-          {E::up, 0.3, none},
-          {E::readingEnds, 5, none},
-          {E::down, 6, beginGated},
-          {E::hold, 6.15, openGate},
-          {E::up, 7, stop}}},
-        {"quick third tap",
-         false,
-         true,
-         {{E::down, 0, beginGated},
-          {E::up, 0.1, stop},
-          {E::down, 0.2, beginUngated},
-          {E::up, 0.3, none},
-          {E::down, 0.5, tripleTap},
-          {E::up, 0.6, none},
+        {"release without press", false, {{E::up, 0.5, none}, {E::down, 0.6, beginGated}}},
+        {"latched reading that ended by itself starts anew", false,
+         {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.2, beginUngated},
+          {E::up, 0.3, none}, {E::readingEnds, 5, none}, {E::down, 6, beginGated},
+          {E::hold, 6.15, openGate}, {E::up, 7, stop}}},
+        {"quick third tap", true,
+         {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.2, beginUngated},
+          {E::up, 0.3, none}, {E::down, 0.5, tripleTap}, {E::up, 0.6, none},
           {E::down, 1, beginGated}}},
-        {"slow third tap stops",
-         false,
-         true,
-         {{E::down, 0, beginGated},
-          {E::up, 0.1, stop},
-          {E::down, 0.2, beginUngated},
-          {E::up, 0.3, none},
-          {E::down, 0.7, stop}}},
-        {"quick third tap without triple taps stops",
-         false,
-         false,
-         {{E::down, 0, beginGated},
-          {E::up, 0.1, stop},
-          {E::down, 0.2, beginUngated},
-          {E::up, 0.3, none},
-          {E::down, 0.5, stop}}},
-        {"window expiry means nothing without instant start",
-         false,
-         false,
+        {"slow third tap stops", true,
+         {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.2, beginUngated},
+          {E::up, 0.3, none}, {E::down, 0.7, stop}}},
+        {"quick third tap without triple taps stops", false,
+         {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::down, 0.2, beginUngated},
+          {E::up, 0.3, none}, {E::down, 0.5, stop}}},
+        {"window expiry means nothing without instant start", false,
          {{E::down, 0, beginGated}, {E::up, 0.1, stop}, {E::window, 0.45, none}}},
     };
     for (const Case& c : cases) {
-        run(c);
+        run(c, false);
     }
 }
 
 TEST(HoldTapGesture, InstantMode) {
     const Case cases[] = {
-        {"hold", true, false, {{E::down, 0, beginUngated}, {E::up, 0.3, stop}}},
-        {"quick tap waits for a second tap",
-         true,
-         false,
-         {{E::down, 0, beginUngated},
-          {E::up, 0.29, holdForSecondTap},
-          {E::window, 0.64, stop},
+        {"hold", false, {{E::down, 0, beginUngated}, {E::up, 0.3, stop}}},
+        {"quick tap waits for a second tap", false,
+         {{E::down, 0, beginUngated}, {E::up, 0.29, holdForSecondTap}, {E::window, 0.64, stop},
           {E::window, 0.7, none}}},
-        {"window timer early within tolerance",
-         true,
-         false,
+        {"window timer early within tolerance", false,
          {{E::down, 0, beginUngated}, {E::up, 0.1, holdForSecondTap}, {E::window, 0.446, stop}}},
-        {"window timer too early",
-         true,
-         false,
-         {{E::down, 0, beginUngated},
-          {E::up, 0.1, holdForSecondTap},
-          {E::window, 0.44, none},
+        {"window timer too early", false,
+         {{E::down, 0, beginUngated}, {E::up, 0.1, holdForSecondTap}, {E::window, 0.44, none},
           {E::window, 0.45, stop}}},
-        {"double tap latches, the next tap stops",
-         true,
-         false,
-         {{E::down, 0, beginUngated},
-          {E::up, 0.1, holdForSecondTap},
-          {E::down, 0.45, continueLatched},
-          {E::window, 0.45, none},
-          {E::up, 0.5, none},
-          {E::down, 1, stop},
-          {E::up, 1.1, none},
-          {E::down, 2, beginUngated}}},
-        {"gap of 0.36 is a new reading",
-         true,
-         false,
-         {{E::down, 0, beginUngated},
-          {E::up, 0.1, holdForSecondTap},
-          {E::down, 0.46, beginUngated},
-          {E::window, 0.46, none},
-          {E::up, 1, stop}}},
-        {"quick third tap",
-         true,
-         true,
-         {{E::down, 0, beginUngated},
-          {E::up, 0.1, holdForSecondTap},
-          {E::down, 0.2, continueLatched},
-          {E::up, 0.3, none},
-          {E::down, 0.6, tripleTap},
+        {"double tap latches, the next tap stops", false,
+         {{E::down, 0, beginUngated}, {E::up, 0.1, holdForSecondTap},
+          {E::down, 0.45, continueLatched}, {E::window, 0.45, none}, {E::up, 0.5, none},
+          {E::down, 1, stop}, {E::up, 1.1, none}, {E::down, 2, beginUngated}}},
+        {"gap of 0.36 is a new reading", false,
+         {{E::down, 0, beginUngated}, {E::up, 0.1, holdForSecondTap},
+          {E::down, 0.46, beginUngated}, {E::window, 0.46, none}, {E::up, 1, stop}}},
+        {"quick third tap", true,
+         {{E::down, 0, beginUngated}, {E::up, 0.1, holdForSecondTap},
+          {E::down, 0.2, continueLatched}, {E::up, 0.3, none}, {E::down, 0.6, tripleTap},
           {E::up, 0.7, none}}},
     };
     for (const Case& c : cases) {
-        run(c);
+        run(c, true);
     }
 }
+// clang-format on
 
 TEST(HoldTapGesture, StartsWithTheGivenTimings) {
     HoldTapGesture gesture{true, 0.2, 0.4};

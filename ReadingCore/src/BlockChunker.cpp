@@ -27,8 +27,8 @@ std::size_t windowEnd(std::u16string_view text, std::size_t from) {
 
 } // namespace
 
-BlockChunker::BlockChunker(std::u16string text, std::int64_t blockIndex, std::int64_t maxUTF16)
-    : text_(std::move(text))
+BlockChunker::BlockChunker(std::u16string_view text, std::int64_t blockIndex, std::int64_t maxUTF16)
+    : text_(text)
     , blockIndex_(blockIndex)
     , maxUTF16_(maxUTF16) {}
 
@@ -50,8 +50,8 @@ bool BlockChunker::readWindow() {
     }
     std::size_t end = windowEnd(text_, consumed_);
     bool last = end == text_.size();
-    std::u16string window = SpeechCleanup::removingReferenceMarkers(
-        std::u16string_view{text_}.substr(consumed_, end - consumed_));
+    std::u16string window =
+        SpeechCleanup::removingReferenceMarkers(text_.substr(consumed_, end - consumed_));
     consumed_ = end;
     detail::forEachLine(window, !last,
                         [&](std::u16string_view line) { builder.addLine(line, paragraphs_); });
@@ -91,7 +91,7 @@ namespace TextSegmenter {
 std::vector<SpeechChunk> chunksForBlock(std::u16string_view text, std::int64_t blockIndex,
                                         std::int64_t maxUTF16) {
     std::vector<SpeechChunk> result;
-    BlockChunker chunker{std::u16string{text}, blockIndex, maxUTF16};
+    BlockChunker chunker{text, blockIndex, maxUTF16};
     while (chunker.appendNext(result)) {
     }
     return result;

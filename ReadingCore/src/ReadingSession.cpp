@@ -150,6 +150,7 @@ std::int64_t ReadingSession::beginPreparing() {
     ++generation_;
     reportPartialHead();
     silence();
+    chunker_.reset(); // it reads the payload's text
     payload_.reset();
     transition(SessionState::preparing());
     return generation_;

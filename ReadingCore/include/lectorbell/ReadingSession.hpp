@@ -6,6 +6,7 @@
 #include "lectorbell/TextSegmenter.hpp"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -102,7 +103,8 @@ private:
     std::int64_t nextChunkIndex_ = 0;
     std::vector<InFlight> inFlight_;
     bool firstSpeechReported_ = false;
-    std::vector<ReadingBlock> appended_;
+    // A deque keeps each block where it is while a chunker reads its text.
+    std::deque<ReadingBlock> appended_;
     bool moreComing_ = false;
 };
 

@@ -65,7 +65,8 @@ std::vector<SpeechChunk> splitLeading(const SpeechChunk& chunk, std::int64_t max
 // rest of it is segmented. Yields exactly what chunksForBlock returns, in order.
 class BlockChunker {
 public:
-    BlockChunker(std::u16string text, std::int64_t blockIndex, std::int64_t maxUTF16);
+    // The text is not copied: it must outlive the chunker.
+    BlockChunker(std::u16string_view text, std::int64_t blockIndex, std::int64_t maxUTF16);
 
     // Appends the chunks of the next paragraph that gives any; false once the block is done.
     bool appendNext(std::vector<SpeechChunk>& out);
@@ -73,7 +74,7 @@ public:
 private:
     bool readWindow();
 
-    std::u16string text_;
+    std::u16string_view text_;
     std::int64_t blockIndex_;
     std::int64_t maxUTF16_;
     std::size_t consumed_ = 0;

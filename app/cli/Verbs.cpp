@@ -5,6 +5,7 @@ namespace lectorbell::cli {
 void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addChunksVerb(app, outcome);
     addSentencesVerb(app, outcome);
+    addShapeVerb(app, outcome);
     addGestureVerb(app, outcome);
 }
 

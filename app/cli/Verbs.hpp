@@ -14,6 +14,7 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome);
 
 void addChunksVerb(CLI::App& app, VerbOutcome& outcome);
 void addSentencesVerb(CLI::App& app, VerbOutcome& outcome);
+void addShapeVerb(CLI::App& app, VerbOutcome& outcome);
 void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

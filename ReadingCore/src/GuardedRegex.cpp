@@ -7,15 +7,14 @@
 
 namespace lectorbell::detail {
 
-std::unique_ptr<const icu::RegexPattern> compileConstantPattern(std::u16string_view pattern,
-                                                                uint32_t flags, const char* owner,
-                                                                std::source_location where) {
+std::unique_ptr<const icu::RegexPattern>
+compileConstantPattern(std::u16string_view pattern, uint32_t flags, const char* owner, int line) {
     UErrorCode status = U_ZERO_ERROR;
     UParseError parseError{};
     std::unique_ptr<const icu::RegexPattern> compiled{
         icu::RegexPattern::compile(readOnlyAlias(pattern), flags, parseError, status)};
     if (U_FAILURE(status) || !compiled) {
-        std::string reason = std::string{owner} + ":" + std::to_string(where.line()) +
+        std::string reason = std::string{owner} + ":" + std::to_string(line) +
                              ": regular expression does not compile (" + u_errorName(status) + ")";
         fatalError(reason.c_str());
     }

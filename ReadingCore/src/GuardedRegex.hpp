@@ -9,7 +9,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <source_location>
 #include <string>
 #include <string_view>
 #include <unicode/regex.h>
@@ -36,10 +35,10 @@ inline bool fitsIcu(std::u16string_view text) {
 }
 
 // A pattern written into the program. Failing to compile one is a programming fault: the
-// process stops with a report naming `owner` (such as "ReadingCore/SpeechCleanup") and the line.
+// process stops with a report naming `owner` (such as "ReadingCore/SpeechCleanup") and the
+// source line that holds the pattern.
 std::unique_ptr<const icu::RegexPattern>
-compileConstantPattern(std::u16string_view pattern, uint32_t flags, const char* owner,
-                       std::source_location where = std::source_location::current());
+compileConstantPattern(std::u16string_view pattern, uint32_t flags, const char* owner, int line);
 
 // One whole-text rewrite: every match of `pattern` is replaced by `replacement`, a template in
 // which "$1" stands for the first capture group.

@@ -90,8 +90,8 @@ TEST(ShapingHostileInput, RepeatedSymbolRunsStillCollapseOrSurvive) {
 TEST(GuardedRegex, TimeLimitSkipsTheRuleAndKeepsTheText) {
     CapturedLog log;
     detail::RegexRewrite catastrophic{
-        detail::compileConstantPattern(u"(a+)+b", 0, "ReadingCore/Test"), icu::UnicodeString{u"x"},
-        "catastrophic"};
+        detail::compileConstantPattern(u"(a+)+b", 0, "ReadingCore/Test", __LINE__),
+        icu::UnicodeString{u"x"}, "catastrophic"};
     icu::UnicodeString text{repeated(u"a", 64).c_str()};
     const icu::UnicodeString before = text;
     auto started = std::chrono::steady_clock::now();

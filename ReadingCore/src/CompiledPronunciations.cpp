@@ -101,7 +101,7 @@ CompiledPronunciations::CompiledPronunciations(const std::vector<PronunciationRu
             ++skipped;
             continue;
         }
-        icu::UnicodeString folded = readOnlyAlias(pair.word);
+        icu::UnicodeString folded = copyOf(pair.word);
         folded.foldCase();
         if (folded.isEmpty()) {
             ++skipped;
@@ -111,12 +111,11 @@ CompiledPronunciations::CompiledPronunciations(const std::vector<PronunciationRu
         std::size_t keyLength = std::min<std::size_t>(maxPrefix, folded.length());
         byPrefix_[prefixKey(folded.getBuffer(), keyLength)].push_back(index);
         // The sayAs text goes in as it is, never read as a template.
-        entries_.push_back(Entry{std::move(pattern), icu::UnicodeString{readOnlyAlias(pair.sayAs)},
-                                 std::move(folded)});
+        entries_.push_back(Entry{std::move(pattern), copyOf(pair.sayAs), std::move(folded)});
     }
     if (skipped > 0) {
         coreLog("reading", "pronunciations: " + std::to_string(skipped) +
-                               " rule(s) skipped, their word does not compile");
+                               " rule(s) skipped, their word cannot be matched");
     }
 }
 

@@ -20,8 +20,12 @@ namespace lectorbell::detail {
 // microseconds, a megabyte a few milliseconds per rule), so only hostile input ever meets it.
 inline constexpr std::chrono::milliseconds regexTimeLimit{100};
 
+// Shares the text's storage, which must outlive the alias.
 inline icu::UnicodeString readOnlyAlias(std::u16string_view text) {
     return icu::UnicodeString(false, text.data(), static_cast<int32_t>(text.size()));
+}
+inline icu::UnicodeString copyOf(std::u16string_view text) {
+    return icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
 }
 inline std::u16string_view viewOf(const icu::UnicodeString& text) {
     return {text.getBuffer(), static_cast<std::size_t>(text.length())};

@@ -104,7 +104,7 @@ std::u16string clean(std::u16string_view text) {
         readPipeTable(working);
     }
     std::u16string filtered = detail::filterSymbols(detail::viewOf(working));
-    working = icu::UnicodeString(filtered.data(), static_cast<int32_t>(filtered.size()));
+    working = detail::copyOf(filtered);
     for (const RegexRewrite& rule : spacingRewrites()) {
         detail::rewriteAll(working, rule, owner);
     }

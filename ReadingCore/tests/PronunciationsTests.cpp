@@ -1,8 +1,10 @@
 #include "lectorbell/Pronunciations.hpp"
 #include "lectorbell/Utf8.hpp"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <memory>
+#include <thread>
 #include <unicode/regex.h>
 
 namespace {
@@ -129,6 +131,28 @@ TEST(PronunciationsActiveList, IsReplacedWhole) {
     EXPECT_EQ(Pronunciations::apply(u"a gif"), u"a jif");
     Pronunciations::setRules({});
     EXPECT_EQ(Pronunciations::apply(u"a gif"), u"a gif");
+}
+
+TEST(PronunciationsActiveList, ReadersSeeTheOldOrTheNewListNeverAMix) {
+    // Two lists that rewrite both words; a torn list would rewrite one word by each.
+    const std::vector<PronunciationRule> first{rule(u"alpha", u"A1"), rule(u"beta", u"B1")};
+    const std::vector<PronunciationRule> second{rule(u"alpha", u"A2"), rule(u"beta", u"B2")};
+    Pronunciations::setRules(first);
+    std::atomic<bool> done{false};
+    std::thread writer{[&] {
+        for (int i = 0; i < 2000; ++i) {
+            Pronunciations::setRules(i % 2 == 0 ? second : first);
+        }
+        done = true;
+    }};
+    std::size_t mixed = 0;
+    while (!done) {
+        std::u16string spoken = Pronunciations::apply(u"alpha beta");
+        mixed += spoken == u"A1 B1" || spoken == u"A2 B2" ? 0 : 1;
+    }
+    writer.join();
+    EXPECT_EQ(mixed, 0u);
+    Pronunciations::setRules({});
 }
 
 TEST(PronunciationRulesJson, RoundTripsAndRejectsBadInput) {

@@ -45,6 +45,15 @@ void setBytes(benchmark::State& state, std::size_t units) {
                             static_cast<std::int64_t>(units * sizeof(char16_t)));
 }
 
+void cleanProse(benchmark::State& state) {
+    const std::u16string text = filled(prose, static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(SpeechCleanup::clean(text));
+    }
+    setBytes(state, text.size());
+}
+BENCHMARK(cleanProse)->Arg(320)->Arg(1 << 16);
+
 void cleanAndNormalizeProse(benchmark::State& state) {
     const std::u16string text = filled(prose, static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {

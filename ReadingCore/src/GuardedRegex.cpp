@@ -47,7 +47,7 @@ bool GuardedMatcher::pastDeadline() const {
 }
 
 UBool GuardedMatcher::keepGoing(const void* context, int32_t) {
-    return !static_cast<const GuardedMatcher*>(context)->pastDeadline();
+    return static_cast<const GuardedMatcher*>(context)->pastDeadline() ? 0 : 1;
 }
 
 UBool GuardedMatcher::keepFinding(const void* context, int64_t) {
@@ -55,9 +55,9 @@ UBool GuardedMatcher::keepFinding(const void* context, int64_t) {
     // Called once per start position: reading the clock every time would cost more than the
     // scan itself.
     if ((++self->calls_ & 0xFF) != 0) {
-        return true;
+        return 1;
     }
-    return !self->pastDeadline();
+    return self->pastDeadline() ? 0 : 1;
 }
 
 bool GuardedMatcher::find() {

@@ -40,9 +40,10 @@ inline bool fitsIcu(std::u16string_view text) {
 
 // A pattern written into the program. Failing to compile one is a programming fault: the
 // process stops with a report naming `owner` (such as "ReadingCore/SpeechCleanup") and the
-// source line that holds the pattern.
-std::unique_ptr<const icu::RegexPattern>
-compileConstantPattern(std::u16string_view pattern, uint32_t flags, const char* owner, int line);
+// caller's line (__builtin_LINE rather than std::source_location, which clang 14 lacks).
+std::unique_ptr<const icu::RegexPattern> compileConstantPattern(std::u16string_view pattern,
+                                                                uint32_t flags, const char* owner,
+                                                                int line = __builtin_LINE());
 
 // One whole-text rewrite: every match of `pattern` is replaced by `replacement`, a template in
 // which "$1" stands for the first capture group.

@@ -15,7 +15,7 @@ using detail::RegexRewrite;
 constexpr const char* owner = "ReadingCore/TableReading";
 
 RegexRewrite rewrite(std::u16string_view pattern, std::u16string_view replacement, const char* name,
-                     int line) {
+                     int line = __builtin_LINE()) {
     return RegexRewrite{detail::compileConstantPattern(pattern, 0, owner, line),
                         detail::readOnlyAlias(replacement), name};
 }
@@ -23,14 +23,13 @@ RegexRewrite rewrite(std::u16string_view pattern, std::u16string_view replacemen
 const std::vector<RegexRewrite>& rules() {
     static const std::vector<RegexRewrite> list = [] {
         std::vector<RegexRewrite> r;
-        r.push_back(rewrite(uR"((?<![\w.,])[−\-–](?=\d))", u"minus ", "minusSign", __LINE__));
-        r.push_back(rewrite(uR"((?<=\d)\s?[–—]\s?(?=\d))", u" to ", "range", __LINE__));
-        r.push_back(rewrite(uR"(±\s?)", u"plus or minus ", "plusMinus", __LINE__));
-        r.push_back(rewrite(uR"((\d)\s?K\b)", u"$1 thousand", "thousands", __LINE__));
-        r.push_back(rewrite(uR"((\d)\s?M\b)", u"$1 million", "millions", __LINE__));
-        r.push_back(rewrite(uR"((\d)\s?(?:B|bn)\b)", u"$1 billion", "billions", __LINE__));
-        r.push_back(
-            rewrite(uR"((?<![\w])\((\d[\d,.]*)\)(?![\w]))", u"minus $1", "accounting", __LINE__));
+        r.push_back(rewrite(uR"((?<![\w.,])[−\-–](?=\d))", u"minus ", "minusSign"));
+        r.push_back(rewrite(uR"((?<=\d)\s?[–—]\s?(?=\d))", u" to ", "range"));
+        r.push_back(rewrite(uR"(±\s?)", u"plus or minus ", "plusMinus"));
+        r.push_back(rewrite(uR"((\d)\s?K\b)", u"$1 thousand", "thousands"));
+        r.push_back(rewrite(uR"((\d)\s?M\b)", u"$1 million", "millions"));
+        r.push_back(rewrite(uR"((\d)\s?(?:B|bn)\b)", u"$1 billion", "billions"));
+        r.push_back(rewrite(uR"((?<![\w])\((\d[\d,.]*)\)(?![\w]))", u"minus $1", "accounting"));
         return r;
     }();
     return list;

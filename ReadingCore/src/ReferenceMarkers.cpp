@@ -12,7 +12,7 @@ const RegexRewrite& referenceMarkerRewrite() {
     static const RegexRewrite rewrite{
         compileConstantPattern(
             uR"(\[(?:\d{1,3}(?:[,–-]\d{1,3})*|[a-z]|citation needed|edit|note \d+|clarification needed)\])",
-            UREGEX_CASE_INSENSITIVE, owner, __LINE__),
+            UREGEX_CASE_INSENSITIVE, owner),
         icu::UnicodeString{}, "citationMarks"};
     return rewrite;
 }
@@ -21,7 +21,7 @@ const RegexRewrite& spacedReferenceMarkerRewrite() {
     static const RegexRewrite rewrite{
         compileConstantPattern(
             uR"(\s?\[(?:\d{1,3}(?:[,–-]\d{1,3})*|[a-z]|citation needed|edit|note \d+|clarification needed)\])",
-            UREGEX_CASE_INSENSITIVE, owner, __LINE__),
+            UREGEX_CASE_INSENSITIVE, owner),
         icu::UnicodeString{}, "referenceMarkers"};
     return rewrite;
 }

@@ -19,7 +19,7 @@ using detail::RegexRewrite;
 constexpr const char* owner = "ReadingCore/SpeechCleanup";
 
 RegexRewrite rewrite(std::u16string_view pattern, uint32_t flags, std::u16string_view replacement,
-                     const char* name, int line) {
+                     const char* name, int line = __builtin_LINE()) {
     return RegexRewrite{compileConstantPattern(pattern, flags, owner, line),
                         detail::readOnlyAlias(replacement), name};
 }
@@ -30,28 +30,28 @@ const std::vector<RegexRewrite>& markupRewrites() {
         constexpr uint32_t lines = UREGEX_MULTILINE;
         std::vector<RegexRewrite> r;
         r.push_back(rewrite(uR"(https?://(?:www\.)?([^/\s?#]+)[^\s]*)", UREGEX_CASE_INSENSITIVE,
-                            u"link to $1", "links", __LINE__));
-        r.push_back(rewrite(uR"(\*\*(.+?)\*\*)", 0, u"$1", "boldAsterisks", __LINE__));
-        r.push_back(rewrite(uR"(__(.+?)__)", 0, u"$1", "boldUnderscores", __LINE__));
+                            u"link to $1", "links"));
+        r.push_back(rewrite(uR"(\*\*(.+?)\*\*)", 0, u"$1", "boldAsterisks"));
+        r.push_back(rewrite(uR"(__(.+?)__)", 0, u"$1", "boldUnderscores"));
         r.push_back(rewrite(uR"((?<![\w*])\*(?=\S)([^*\n]+?)(?<=\S)\*(?![\w*]))", 0, u"$1",
-                            "italicAsterisks", __LINE__));
-        r.push_back(rewrite(uR"(^\s{0,3}#{1,6}\s+)", lines, u"", "headingMarks", __LINE__));
-        r.push_back(rewrite(uR"(^\s{0,3}>\s+)", lines, u"", "quoteMarks", __LINE__));
-        r.push_back(rewrite(uR"(^\s{0,3}[-*+]\s+(?=\S))", lines, u"", "listBullets", __LINE__));
-        r.push_back(rewrite(uR"(([^\w\s.])\1{2,})", 0, u" ", "repeatedSymbols", __LINE__));
+                            "italicAsterisks"));
+        r.push_back(rewrite(uR"(^\s{0,3}#{1,6}\s+)", lines, u"", "headingMarks"));
+        r.push_back(rewrite(uR"(^\s{0,3}>\s+)", lines, u"", "quoteMarks"));
+        r.push_back(rewrite(uR"(^\s{0,3}[-*+]\s+(?=\S))", lines, u"", "listBullets"));
+        r.push_back(rewrite(uR"(([^\w\s.])\1{2,})", 0, u" ", "repeatedSymbols"));
         return r;
     }();
     return rules;
 }
 
 const RegexRewrite& identifierUnderscores() {
-    static const RegexRewrite rule = rewrite(uR"((?<=[\p{L}\p{N}])_(?=[\p{L}\p{N}]))", 0, u" ",
-                                             "identifierUnderscores", __LINE__);
+    static const RegexRewrite rule =
+        rewrite(uR"((?<=[\p{L}\p{N}])_(?=[\p{L}\p{N}]))", 0, u" ", "identifierUnderscores");
     return rule;
 }
 
 const RegexRewrite& pipeCells() {
-    static const RegexRewrite rule = rewrite(uR"(\s*\|\s*)", 0, u", ", "pipeTable", __LINE__);
+    static const RegexRewrite rule = rewrite(uR"(\s*\|\s*)", 0, u", ", "pipeTable");
     return rule;
 }
 
@@ -59,10 +59,10 @@ const RegexRewrite& pipeCells() {
 const std::vector<RegexRewrite>& spacingRewrites() {
     static const std::vector<RegexRewrite> rules = [] {
         std::vector<RegexRewrite> r;
-        r.push_back(rewrite(uR"(\s+([,.;:!?]))", 0, u"$1", "spaceBeforePunctuation", __LINE__));
-        r.push_back(rewrite(uR"(([,;:])(?:\s*[,;:])+)", 0, u"$1", "separatorRuns", __LINE__));
-        r.push_back(rewrite(uR"(^[\s,;:]+|\s+$)", 0, u"", "trimEnds", __LINE__));
-        r.push_back(rewrite(uR"(\s{2,})", 0, u" ", "whitespaceRuns", __LINE__));
+        r.push_back(rewrite(uR"(\s+([,.;:!?]))", 0, u"$1", "spaceBeforePunctuation"));
+        r.push_back(rewrite(uR"(([,;:])(?:\s*[,;:])+)", 0, u"$1", "separatorRuns"));
+        r.push_back(rewrite(uR"(^[\s,;:]+|\s+$)", 0, u"", "trimEnds"));
+        r.push_back(rewrite(uR"(\s{2,})", 0, u" ", "whitespaceRuns"));
         return r;
     }();
     return rules;

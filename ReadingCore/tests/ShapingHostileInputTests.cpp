@@ -92,8 +92,8 @@ TEST(ShapingHostileInput, RunsTooLongForTheMatcherSkipARuleAndLogWithoutText) {
 TEST(GuardedRegex, TimeLimitSkipsTheRuleAndKeepsTheText) {
     CapturedLog log;
     detail::RegexRewrite catastrophic{
-        detail::compileConstantPattern(u"(a+)+b", 0, "ReadingCore/Test", __LINE__),
-        icu::UnicodeString{u"x"}, "catastrophic"};
+        detail::compileConstantPattern(u"(a+)+b", 0, "ReadingCore/Test"), icu::UnicodeString{u"x"},
+        "catastrophic"};
     icu::UnicodeString text{repeated(u"a", 64).c_str()};
     const icu::UnicodeString before = text;
     auto started = std::chrono::steady_clock::now();
@@ -114,6 +114,12 @@ TEST(ShapingHostileInput, RuleWordsMadeOfMetacharactersMatchLiterally) {
         EXPECT_EQ(Pronunciations::apply(u"x " + word + u" y", rules), u"x hit y");
         EXPECT_EQ(Pronunciations::apply(u"aa plain", rules), u"aa plain");
     }
+}
+
+TEST(GuardedRegexDeathTest, ABrokenConstantPatternStopsNamingOwnerAndLine) {
+    // clang-format off
+    EXPECT_DEATH(lectorbell::detail::compileConstantPattern(u"(", 0, "ReadingCore/Test"), "ReadingCore/Test:" + std::to_string(__LINE__) + ": regular expression does not compile");
+    // clang-format on
 }
 
 } // namespace

@@ -45,41 +45,27 @@ void setBytes(benchmark::State& state, std::size_t units) {
                             static_cast<std::int64_t>(units * sizeof(char16_t)));
 }
 
-void cleanProse(benchmark::State& state) {
-    const std::u16string text = filled(prose, static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(SpeechCleanup::clean(text));
-    }
-    setBytes(state, text.size());
-}
-BENCHMARK(cleanProse)->Arg(320)->Arg(1 << 16);
+using Shaping = std::u16string (*)(std::u16string_view);
 
-void cleanAndNormalizeProse(benchmark::State& state) {
-    const std::u16string text = filled(prose, static_cast<std::size_t>(state.range(0)));
+// One shaping step over text made of `piece` repeated to state.range(0) units.
+void shape(benchmark::State& state, Shaping step, std::u16string_view piece) {
+    const std::u16string text = filled(piece, static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(NumberSpeech::normalize(SpeechCleanup::clean(text)));
+        benchmark::DoNotOptimize(step(text));
     }
     setBytes(state, text.size());
 }
-BENCHMARK(cleanAndNormalizeProse)->Arg(320)->Arg(1 << 16);
 
-void cleanMarkup(benchmark::State& state) {
-    const std::u16string text = filled(markup, static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(SpeechCleanup::clean(text));
-    }
-    setBytes(state, text.size());
+std::u16string cleanAndNormalize(std::u16string_view text) {
+    return NumberSpeech::normalize(SpeechCleanup::clean(text));
 }
-BENCHMARK(cleanMarkup)->Arg(320)->Arg(1 << 16);
 
-void normalizeNumbers(benchmark::State& state) {
-    const std::u16string text = filled(numbers, static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(NumberSpeech::normalize(text));
-    }
-    setBytes(state, text.size());
-}
-BENCHMARK(normalizeNumbers)->Arg(320)->Arg(1 << 16);
+BENCHMARK_CAPTURE(shape, cleanProse, SpeechCleanup::clean, prose)->Arg(320)->Arg(1 << 16);
+BENCHMARK_CAPTURE(shape, cleanAndNormalizeProse, cleanAndNormalize, prose)->Arg(320)->Arg(1 << 16);
+BENCHMARK_CAPTURE(shape, cleanMarkup, SpeechCleanup::clean, markup)->Arg(320)->Arg(1 << 16);
+BENCHMARK_CAPTURE(shape, normalizeNumbers, NumberSpeech::normalize, numbers)
+    ->Arg(320)
+    ->Arg(1 << 16);
 
 // Made-up words of 3 to 10 letters, plus a few that occur in the prose.
 std::vector<PronunciationRule> dictionary(std::size_t count) {

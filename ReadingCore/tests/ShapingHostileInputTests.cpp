@@ -116,6 +116,17 @@ TEST(ShapingHostileInput, RuleWordsMadeOfMetacharactersMatchLiterally) {
     }
 }
 
+TEST(ShapingHostileInput, RulesThatFeedThemselvesCannotBlowUpTheText) {
+    CapturedLog log;
+    // Each rule finds the word again in the previous one's output: doubling, 5,000 times over.
+    std::vector<PronunciationRule> rules(5000, PronunciationRule{Uuid{}, u"a", u"a a"});
+    std::u16string spoken = Pronunciations::apply(u"say a", rules);
+    EXPECT_LE(spoken.size(), 5u * 64 + 65536);
+    EXPECT_TRUE(spoken.starts_with(u"say a a"));
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_NE(log.lines[0].find("output too long"), std::string::npos);
+}
+
 TEST(GuardedRegexDeathTest, ABrokenConstantPatternStopsNamingOwnerAndLine) {
     // clang-format off
     EXPECT_DEATH(lectorbell::detail::compileConstantPattern(u"(", 0, "ReadingCore/Test"), "ReadingCore/Test:" + std::to_string(__LINE__) + ": regular expression does not compile");

@@ -122,6 +122,10 @@ std::int64_t QtAudioOutput::playedFrames() const {
     return playedFrames_;
 }
 
+bool QtAudioOutput::isFlowing() const {
+    return sink_ && sink_->processedUSecs() > std::int64_t{deviceBufferMs} * 1000;
+}
+
 bool QtAudioOutput::isBusy() const {
     return feed_ && !feed_->entries().empty();
 }

@@ -35,6 +35,11 @@ public:
     std::int64_t playedFrames() const override;
     bool isBusy() const override;
 
+    // True once the sound server plays the stream (silence included). A sound server whose sink
+    // was idle can take a second or two to start a new stream (PulseAudio's null sink sleeps up
+    // to 2 s); once flowing, a scheduled buffer sounds within the device buffer's length.
+    bool isFlowing() const;
+
     // Set once the device has failed after starting.
     const std::optional<std::string>& failure() const { return failure_; }
 

@@ -37,4 +37,38 @@ std::string Uuid::string() const {
     return out;
 }
 
+std::optional<Uuid> Uuid::parse(std::string_view text) {
+    if (text.size() != 36) {
+        return std::nullopt;
+    }
+    auto nibble = [](char c) -> int {
+        if (c >= '0' && c <= '9') {
+            return c - '0';
+        }
+        if (c >= 'a' && c <= 'f') {
+            return c - 'a' + 10;
+        }
+        if (c >= 'A' && c <= 'F') {
+            return c - 'A' + 10;
+        }
+        return -1;
+    };
+    Uuid uuid;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < uuid.bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10) {
+            if (text[at++] != '-') {
+                return std::nullopt;
+            }
+        }
+        int high = nibble(text[at++]);
+        int low = nibble(text[at++]);
+        if (high < 0 || low < 0) {
+            return std::nullopt;
+        }
+        uuid.bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+    }
+    return uuid;
+}
+
 } // namespace lectorbell

@@ -3,9 +3,9 @@
 namespace lectorbell::cli {
 
 void addVerbs(CLI::App& app, VerbOutcome& outcome) {
-    // Each verb adds itself here with its own add<Name>Verb(app, outcome).
-    (void)app;
-    (void)outcome;
+    addChunksVerb(app, outcome);
+    addSentencesVerb(app, outcome);
+    addGestureVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

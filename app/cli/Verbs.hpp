@@ -12,4 +12,8 @@ struct VerbOutcome {
 // Registers every command-line verb as a subcommand of the application.
 void addVerbs(CLI::App& app, VerbOutcome& outcome);
 
+void addChunksVerb(CLI::App& app, VerbOutcome& outcome);
+void addSentencesVerb(CLI::App& app, VerbOutcome& outcome);
+void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
+
 } // namespace lectorbell::cli

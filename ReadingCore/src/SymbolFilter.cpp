@@ -1,0 +1,161 @@
+#include "SymbolFilter.hpp"
+
+#include "Characters.hpp"
+#include "lectorbell/SpeechCleanup.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace lectorbell {
+
+namespace {
+
+// Always spoken, though most are symbols.
+constexpr std::array<char32_t, 31> keepMath{
+    U'+',      U'=',      U'<',      U'>',      U'\u00D7', U'\u00F7', U'\u00B1', U'\u2264',
+    U'\u2265', U'\u2260', U'\u2248', U'\u221E', U'\u221A', U'\u2212', U'\u2211', U'\u220F',
+    U'\u222B', U'\u2206', U'\u2202', U'\u2208', U'\u2209', U'\u2282', U'\u222A', U'\u2229',
+    U'\u2200', U'\u2203', U'%',      U'\u2030', U'\u00B0', U'\u2032', U'\u2033'};
+
+// Never spoken.
+constexpr std::array<char32_t, 15> decorativePunctuation{
+    U'\u2022', U'\u2023', U'\u25E6', U'\u2219', U'\u00B7', U'\u2043', U'\u203B', U'\u2756',
+    U'\u00B6', U'\u2020', U'\u2021', U'\u2042', U'|',      U'\u00A6', U'`'};
+
+// Their presence means that markup may need removing.
+constexpr std::array<char16_t, 11> markupHints{u'*', u'_', u'#', u'>', u'|', u'`',
+                                               u'-', u'~', u'=', u':', u'['};
+
+template <class Set, class C>
+bool contains(const Set& set, C c) {
+    return std::find(set.begin(), set.end(), c) != set.end();
+}
+
+bool isDroppedCategory(char32_t c) {
+    switch (u_charType(static_cast<UChar32>(c))) {
+    case U_MATH_SYMBOL:
+    case U_MODIFIER_SYMBOL:
+    case U_OTHER_SYMBOL:
+    case U_CONTROL_CHAR:
+    case U_FORMAT_CHAR:
+    case U_SURROGATE:
+    case U_PRIVATE_USE_CHAR:
+    case U_UNASSIGNED:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool looksLikeEmoji(std::u16string_view character) {
+    std::size_t scalars = 0;
+    bool wideEmoji = false;
+    for (std::size_t i = 0; i < character.size();) {
+        UChar32 c = 0;
+        U16_NEXT(character.data(), i, character.size(), c);
+        if (c == 0x20E3 || c == 0xFE0F || u_hasBinaryProperty(c, UCHAR_EMOJI_PRESENTATION)) {
+            return true;
+        }
+        // Digits, "#" and "*" carry the emoji property too; the floor of 256 spares them.
+        wideEmoji = wideEmoji || (c >= 256 && u_hasBinaryProperty(c, UCHAR_EMOJI));
+        ++scalars;
+    }
+    return scalars >= 2 && wideEmoji;
+}
+
+struct AsciiClass {
+    bool keep = false;
+    bool attention = false;
+};
+
+// ASCII decides most texts; its answers come from the same rules as every other character.
+const std::array<AsciiClass, 128>& asciiClasses() {
+    static const std::array<AsciiClass, 128> table = [] {
+        std::array<AsciiClass, 128> t{};
+        for (char16_t c = 0; c < 128; ++c) {
+            bool kept = SpeechCleanup::keep(std::u16string_view{&c, 1});
+            t[c] = AsciiClass{kept, !kept || contains(markupHints, c)};
+        }
+        return t;
+    }();
+    return table;
+}
+
+bool keepCharacter(std::u16string_view character) {
+    if (character.size() == 1 && character[0] < 128) {
+        return asciiClasses()[character[0]].keep;
+    }
+    return SpeechCleanup::keep(character);
+}
+
+} // namespace
+
+bool SpeechCleanup::keep(std::u16string_view character) {
+    if (character.empty()) {
+        return true;
+    }
+    if (looksLikeEmoji(character)) {
+        return false;
+    }
+    char32_t first = detail::firstScalar(character);
+    if (detail::isLetterScalar(first) || detail::isNumberScalar(first) ||
+        detail::isWhitespaceScalar(first)) {
+        return true;
+    }
+    if (auto single = detail::singleScalar(character)) {
+        if (contains(keepMath, *single)) {
+            return true;
+        }
+        if (contains(decorativePunctuation, *single)) {
+            return false;
+        }
+    }
+    return !isDroppedCategory(first);
+}
+
+namespace detail {
+
+bool needsCleanupAttention(std::u16string_view text) {
+    const auto& ascii = asciiClasses();
+    bool calm = forEachCharacter(text, [&](std::u16string_view character, std::size_t) {
+        if (character.size() == 1 && character[0] < 128) {
+            return !ascii[character[0]].attention;
+        }
+        // Hints are ASCII, and no longer character is canonically equivalent to ASCII.
+        return SpeechCleanup::keep(character);
+    });
+    return !calm;
+}
+
+std::u16string filterSymbols(std::u16string_view text) {
+    std::u16string result;
+    result.reserve(text.size());
+    bool lastIsWhitespace = false;
+    forEachCharacter(text, [&](std::u16string_view character, std::size_t) {
+        if (keepCharacter(character)) {
+            result.append(character);
+            lastIsWhitespace = isWhitespaceScalar(firstScalar(character));
+        } else if (!result.empty() && !lastIsWhitespace) {
+            result.push_back(u' ');
+            lastIsWhitespace = true;
+        }
+        return true;
+    });
+    return result;
+}
+
+std::size_t countPipes(std::u16string_view text) {
+    if (text.find(u'|') == std::u16string_view::npos) {
+        return 0;
+    }
+    std::size_t count = 0;
+    forEachCharacter(text, [&](std::u16string_view character, std::size_t) {
+        count += character == u"|" ? 1 : 0;
+        return true;
+    });
+    return count;
+}
+
+} // namespace detail
+
+} // namespace lectorbell

@@ -1,0 +1,29 @@
+# Golden-file checks of `lectorbell chunks` and `lectorbell sentences` through the real binary.
+# The .expected files are reviewed by hand when they change.
+#
+# verb_golden(<name> INPUT <file> [STATUS <n>] [STDERR_MATCH <regex>] COMMAND <verb> <arg>...)
+function(verb_golden name)
+  cmake_parse_arguments(PARSE_ARGV 1 CASE "" "INPUT;STATUS;STDERR_MATCH" "COMMAND")
+  list(JOIN CASE_COMMAND "$<SEMICOLON>" verb)
+  set(status 0)
+  if(DEFINED CASE_STATUS)
+    set(status ${CASE_STATUS})
+  endif()
+  set(extra "")
+  if(DEFINED CASE_STDERR_MATCH)
+    list(APPEND extra "-DSTDERR_MATCH=${CASE_STDERR_MATCH}")
+  endif()
+  set(golden "${CMAKE_CURRENT_LIST_DIR}/golden")
+  add_test(NAME cli.${name}
+           COMMAND ${CMAKE_COMMAND} -DEXE=$<TARGET_FILE:lectorbell> "-DVERB=${verb}"
+                   "-DINPUT=${golden}/${CASE_INPUT}.txt" "-DEXPECTED=${golden}/${name}.expected"
+                   -DSTATUS=${status} ${extra} -P ${CMAKE_CURRENT_LIST_DIR}/CheckVerb.cmake)
+endfunction()
+
+verb_golden(chunks-markup INPUT chunks-markup COMMAND chunks)
+verb_golden(chunks-blocks INPUT chunks-blocks COMMAND chunks --blocks)
+verb_golden(chunks-long INPUT chunks-long COMMAND chunks --max 60)
+verb_golden(chunks-lead INPUT chunks-long COMMAND chunks --max 200 --lead 50)
+verb_golden(chunks-empty INPUT chunks-empty STATUS 3 COMMAND chunks)
+verb_golden(chunks-invalid INPUT chunks-invalid STDERR_MATCH "not valid UTF-8" COMMAND chunks)
+verb_golden(sentences INPUT sentences COMMAND sentences)

@@ -19,7 +19,8 @@ using platform::PcmSamples;
 // Forwards to the real output and keeps a copy of everything scheduled: what should be heard.
 class TeeAudioOutput final : public platform::AudioOutput {
 public:
-    explicit TeeAudioOutput(platform::AudioOutput& out) : out_{out} {}
+    explicit TeeAudioOutput(platform::AudioOutput& out)
+        : out_{out} {}
     void setListener(platform::AudioOutputListener* l) override { out_.setListener(l); }
     std::optional<std::string> start(platform::PcmFormat f) override { return out_.start(f); }
     platform::AudioBufferId schedule(PcmSamples samples) override {
@@ -101,9 +102,9 @@ TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
     const platform::PcmFormat format = synth.format();
 
     QProcess recorder;
-    recorder.start("parec", {"-d", QString{sink} + ".monitor", "--raw", "--format=s16le",
-                             "--channels=1", "--rate=" + QString::number(format.sampleRate),
-                             "--latency-msec=10"});
+    recorder.start("parec",
+                   {"-d", QString{sink} + ".monitor", "--raw", "--format=s16le", "--channels=1",
+                    "--rate=" + QString::number(format.sampleRate), "--latency-msec=10"});
     ASSERT_TRUE(recorder.waitForStarted(5000)) << "parec (pulseaudio-utils) is needed";
 
     platform::QtAudioOutput device;
@@ -158,10 +159,11 @@ TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
         (static_cast<double>(longestSilenceMiddle(heard, heardFirst, heardEnd)) -
          static_cast<double>(longestSilenceMiddle(output.scheduled, sentFirst, sentEnd))) *
         msPerFrame;
-    std::cout << "first sound reported " << watcher.firstSoundMs << " ms after speak; recorded " << heard.size() * msPerFrame << " ms; speech spans "
+    std::cout << "first sound reported " << watcher.firstSoundMs << " ms after speak; recorded "
+              << heard.size() * msPerFrame << " ms; speech spans "
               << (heardEnd - heardFirst) * msPerFrame << " ms heard vs "
-              << (sentEnd - sentFirst) * msPerFrame << " ms scheduled; silence added "
-              << addedMs << " ms; pause between chunks off by " << pauseOffsetMs << " ms\n";
+              << (sentEnd - sentFirst) * msPerFrame << " ms scheduled; silence added " << addedMs
+              << " ms; pause between chunks off by " << pauseOffsetMs << " ms\n";
     EXPECT_LT(std::abs(addedMs), 20.0) << "silence was added between or inside the chunks";
     EXPECT_LT(std::abs(pauseOffsetMs), 20.0) << "the pause between the chunks moved";
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "platform/PcmAudio.hpp"
-
 #include "lectorbell/UTF16Text.hpp"
+#include "platform/PcmAudio.hpp"
 
 #include <optional>
 #include <string>

@@ -4,7 +4,8 @@
 
 namespace lectorbell::speech {
 
-PaceCalibrator::PaceCalibrator(platform::PlatformSynthesizer& synth) : synth_{synth} {}
+PaceCalibrator::PaceCalibrator(platform::PlatformSynthesizer& synth)
+    : synth_{synth} {}
 
 double PaceCalibrator::duration(float rate, const std::string& voiceIdentifier) {
     platform::SynthesizedSpeech speech = synth_.render(passage, voiceIdentifier, rate);

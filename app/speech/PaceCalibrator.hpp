@@ -1,8 +1,7 @@
 #pragma once
 
-#include "platform/PlatformSynthesizer.hpp"
-
 #include "lectorbell/PacePreset.hpp"
+#include "platform/PlatformSynthesizer.hpp"
 
 #include <map>
 #include <string>

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "lectorbell/SpeechSynthesizing.hpp"
 #include "platform/AudioOutput.hpp"
 #include "platform/PlatformSynthesizer.hpp"
-
-#include "lectorbell/SpeechSynthesizing.hpp"
 
 #include <deque>
 #include <map>

@@ -75,7 +75,8 @@ std::vector<VoiceCatalog::Voice> VoiceCatalog::ranked(const std::vector<Voice>& 
     return result;
 }
 
-std::optional<VoiceCatalog::Voice> VoiceCatalog::bestNatural(const std::vector<Voice>& voices) const {
+std::optional<VoiceCatalog::Voice>
+VoiceCatalog::bestNatural(const std::vector<Voice>& voices) const {
     std::vector<Voice> order = ranked(voices);
     if (order.empty()) {
         return std::nullopt;
@@ -83,9 +84,9 @@ std::optional<VoiceCatalog::Voice> VoiceCatalog::bestNatural(const std::vector<V
     return order.front();
 }
 
-std::vector<VoiceCatalog::Voice> VoiceCatalog::featured(const std::vector<Voice>& voices,
-                                                        std::size_t limit,
-                                                        const std::optional<std::string>& currentId) const {
+std::vector<VoiceCatalog::Voice>
+VoiceCatalog::featured(const std::vector<Voice>& voices, std::size_t limit,
+                       const std::optional<std::string>& currentId) const {
     std::vector<Voice> order = ranked(voices);
     auto isCurrent = [&](const Voice& v) { return currentId && v.id == *currentId; };
     auto current = std::find_if(order.begin(), order.end(), isCurrent);

@@ -1,17 +1,15 @@
 #include "platform/linux/EspeakSynthesizer.hpp"
 
+#include "lectorbell/Utf8.hpp"
 #include "platform/linux/EspeakRate.hpp"
 #include "platform/linux/EspeakWords.hpp"
 #include "platform/linux/LinuxLog.hpp"
-
-#include "lectorbell/Utf8.hpp"
 
 #include <QLoggingCategory>
 #include <algorithm>
 #include <cctype>
 #include <espeak-ng/speak_lib.h>
 #include <mutex>
-
 
 namespace lectorbell::platform {
 
@@ -67,9 +65,8 @@ public:
 
 private:
     EspeakLibrary() {
-        sampleRate =
-            espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, renderBufferMs, nullptr,
-                              espeakINITIALIZE_DONT_EXIT);
+        sampleRate = espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, renderBufferMs, nullptr,
+                                       espeakINITIALIZE_DONT_EXIT);
         if (sampleRate <= 0) {
             qCWarning(lcLinuxSpeech, "speech: espeak-ng failed to initialise (%d)", sampleRate);
             sampleRate = 0;

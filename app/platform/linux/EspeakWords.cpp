@@ -57,8 +57,7 @@ std::int64_t previousCodePoint(std::u16string_view text, std::int64_t i) {
 }
 
 // The word beginning at or just after `start`, ending before `limit`; none on whitespace.
-std::optional<UTF16Range> wordAt(std::u16string_view text, std::int64_t start,
-                                 std::int64_t limit) {
+std::optional<UTF16Range> wordAt(std::u16string_view text, std::int64_t start, std::int64_t limit) {
     auto n = static_cast<std::int64_t>(text.size());
     if (start >= n || isSpaceAt(text, start)) {
         return std::nullopt;
@@ -121,8 +120,8 @@ std::vector<SpokenWord> spokenWords(std::u16string_view text,
 
     std::vector<SpokenWord> words;
     for (std::size_t i = 0; i < starts.size(); ++i) {
-        std::int64_t limit = i + 1 < starts.size() ? starts[i + 1].first
-                                                   : static_cast<std::int64_t>(text.size());
+        std::int64_t limit =
+            i + 1 < starts.size() ? starts[i + 1].first : static_cast<std::int64_t>(text.size());
         std::optional<UTF16Range> range = wordAt(text, starts[i].first, limit);
         if (!range || (!words.empty() && range->location < words.back().range.end())) {
             continue;

@@ -10,7 +10,8 @@ namespace {
 constexpr qint64 offeredBytes = 1 << 16;
 } // namespace
 
-PcmFeed::PcmFeed(int channels) : channels_{std::max(channels, 1)} {
+PcmFeed::PcmFeed(int channels)
+    : channels_{std::max(channels, 1)} {
     open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 

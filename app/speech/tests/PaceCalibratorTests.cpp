@@ -1,8 +1,6 @@
-#include "speech/PaceCalibrator.hpp"
-
-#include "platform/linux/EspeakSynthesizer.hpp"
-
 #include "lectorbell/ListeningStats.hpp"
+#include "platform/linux/EspeakSynthesizer.hpp"
+#include "speech/PaceCalibrator.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include "RecordingAudioOutput.hpp"
-#include "speech/SystemSpeechEngine.hpp"
-
 #include "platform/linux/EspeakSynthesizer.hpp"
+#include "speech/SystemSpeechEngine.hpp"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -33,8 +32,8 @@ public:
         for (std::int64_t i = 0; i <= n; ++i) {
             if (i == n || text[static_cast<std::size_t>(i)] == u' ') {
                 if (i > start) {
-                    speech.words.push_back({static_cast<std::int64_t>(speech.samples.size()),
-                                            {start, i - start}});
+                    speech.words.push_back(
+                        {static_cast<std::int64_t>(speech.samples.size()), {start, i - start}});
                     speech.samples.insert(speech.samples.end(), wordFrames,
                                           static_cast<std::int16_t>(1000 + i));
                 }
@@ -126,9 +125,9 @@ TEST_F(SystemSpeechEngineTest, QueuesUtterancesBackToBackTrimmingOnlyTheFirstLea
     // The first utterance starts on its first word; the second keeps the voice's own lead
     // (its pause between sentences), and nothing else is added between them.
     const std::int64_t kept = 2; // 2 ms at 1,000 frames per second
-    ASSERT_EQ(static_cast<std::int64_t>(heard.size()),
-              kept + 2 * ScriptedSynthesizer::wordFrames + ScriptedSynthesizer::lead +
-                  ScriptedSynthesizer::wordFrames);
+    ASSERT_EQ(static_cast<std::int64_t>(heard.size()), kept + 2 * ScriptedSynthesizer::wordFrames +
+                                                           ScriptedSynthesizer::lead +
+                                                           ScriptedSynthesizer::wordFrames);
     EXPECT_EQ(heard[kept - 1], 0);
     EXPECT_NE(heard[kept], 0);
     EXPECT_EQ(heard[static_cast<std::size_t>(kept + 2 * ScriptedSynthesizer::wordFrames)], 0);
@@ -219,8 +218,7 @@ TEST(SystemSpeechEngineWithEspeak, FollowsTheWordsOfARealVoice) {
     EXPECT_EQ(delegate.log.front(), "start 1");
     EXPECT_EQ(delegate.log[1], "word 1 0+5");
     EXPECT_EQ(delegate.log.back(), "finish 1");
-    EXPECT_NE(std::find(delegate.log.begin(), delegate.log.end(), "word 1 9+7"),
-              delegate.log.end())
+    EXPECT_NE(std::find(delegate.log.begin(), delegate.log.end(), "word 1 9+7"), delegate.log.end())
         << "\"readers\" starts after the two units of the emoji";
     EXPECT_NE(std::find(delegate.log.begin(), delegate.log.end(), "word 1 23+5"),
               delegate.log.end());

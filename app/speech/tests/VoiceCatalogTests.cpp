@@ -70,7 +70,8 @@ TEST(VoiceCatalog, FeaturedKeepsScoreOrderAndAlwaysShowsTheCurrentVoice) {
                               {"c", "C", "en-US", "Default"},
                               {"b", "B", "en-US", "Default"},
                               {"a", "A", "en-US", "Default"}};
-    EXPECT_EQ(idsOf(catalog.featured(voices, 2, std::nullopt)), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(idsOf(catalog.featured(voices, 2, std::nullopt)),
+              (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(idsOf(catalog.featured(voices, 2, "d")), (std::vector<std::string>{"a", "d"}));
     EXPECT_EQ(idsOf(catalog.featured(voices, 2, "b")), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(idsOf(catalog.featured(voices, 0, "d")), (std::vector<std::string>{}));
@@ -86,9 +87,16 @@ TEST(VoiceCatalog, NaturalMeansBetterThanDefaultQuality) {
 
 TEST(VoiceCatalog, LabelsAccents) {
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"en-US", "American"},  {"en-NZ", "New Zealand"}, {"en-SC", "Scottish"},
-        {"en-ie", "Irish"},     {"fr-CA", "Canada"},      {"pt-BR", "Brazil"},
-        {"en-GB-x-rp", "United Kingdom"}, {"es-419", "Latin America"}, {"cmn-Latn-pinyin", "Latn"}, {"fr", ""},
+        {"en-US", "American"},
+        {"en-NZ", "New Zealand"},
+        {"en-SC", "Scottish"},
+        {"en-ie", "Irish"},
+        {"fr-CA", "Canada"},
+        {"pt-BR", "Brazil"},
+        {"en-GB-x-rp", "United Kingdom"},
+        {"es-419", "Latin America"},
+        {"cmn-Latn-pinyin", "Latn"},
+        {"fr", ""},
     };
     for (const auto& [tag, label] : cases) {
         EXPECT_EQ(VoiceCatalog::accent(tag), label) << tag;

@@ -27,7 +27,8 @@ TEST_F(EspeakSynthesizerTest, RendersEveryWordOnItsOwnRangeWithRisingFrames) {
         {u"Caf\u00e9 na\u00efve r\u00e9sum\u00e9 works.",
          {u"Caf\u00e9", u"na\u00efve", u"r\u00e9sum\u00e9", u"works"}},
         // Emoji are two UTF-16 units each: the words after them must not shift.
-        {u"Smile \U0001F600 then \U0001F44D\U0001F3FD finish now.", {u"Smile", u"then", u"finish", u"now"}},
+        {u"Smile \U0001F600 then \U0001F44D\U0001F3FD finish now.",
+         {u"Smile", u"then", u"finish", u"now"}},
         {u"\u201cQuoted\u201d words \u2014 and dashes.", {u"Quoted", u"words", u"and", u"dashes"}},
     };
     for (const Case& c : cases) {

@@ -1,6 +1,5 @@
-#include "platform/linux/EspeakWords.hpp"
-
 #include "lectorbell/UTF16Text.hpp"
+#include "platform/linux/EspeakWords.hpp"
 
 #include <gtest/gtest.h>
 
@@ -43,7 +42,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"plain", u"one two three", {1, 5, 9}, {u"one", u"two", u"three"}},
         // The emoji is two UTF-16 units but one code point; espeak-ng also reports the space
         // after it.
-        Case{"emoji", u"H\u00e9llo \U0001F600 world", {1, 7, 8, 9},
+        Case{"emoji",
+             u"H\u00e9llo \U0001F600 world",
+             {1, 7, 8, 9},
              {u"H\u00e9llo", u"\U0001F600", u"world"}},
         // Closing quotes and trailing punctuation are not part of the word; an event at an
         // opening quote moves to the word.
@@ -54,7 +55,9 @@ INSTANTIATE_TEST_SUITE_P(
         // Events past the end, before the start or going backwards are dropped.
         Case{"out of range", u"ab cd", {0, 1, 4, 1, 40}, {u"ab", u"cd"}},
         Case{"only punctuation", u"a \u2014 b", {1, 3, 5}, {u"a", u"\u2014", u"b"}},
-        Case{"unpaired surrogate", std::u16string{u"x "} + char16_t{0xD800} + u" y", {1, 3, 5},
+        Case{"unpaired surrogate",
+             std::u16string{u"x "} + char16_t{0xD800} + u" y",
+             {1, 3, 5},
              {u"x", std::u16string{char16_t{0xD800}}, u"y"}}),
     [](const testing::TestParamInfo<Case>& info) {
         std::string name = info.param.name;

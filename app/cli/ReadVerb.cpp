@@ -91,6 +91,14 @@ int runRead(const ReadOptions& options) {
         return exitNoReadableText;
     }
 
+    // From here on Ctrl-C stops the reading (at once, if it comes before speech starts).
+    interrupted = 0;
+    auto previousHandler = std::signal(SIGINT, onInterrupt);
+    struct RestoreHandler {
+        void (*handler)(int);
+        ~RestoreHandler() { std::signal(SIGINT, handler); }
+    } restore{previousHandler};
+
     static int argc = 1;
     static char name[] = "lectorbell";
     static char* argv[] = {name, nullptr};
@@ -123,7 +131,8 @@ int runRead(const ReadOptions& options) {
     // reading's timings are those of the sound.
     QElapsedTimer warmUp;
     warmUp.start();
-    while (device != nullptr && !device->isFlowing() && warmUp.elapsed() < maxWarmUpMs) {
+    while (device != nullptr && !device->isFlowing() && warmUp.elapsed() < maxWarmUpMs &&
+           interrupted == 0) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
 
@@ -151,8 +160,6 @@ int runRead(const ReadOptions& options) {
         }
     };
 
-    interrupted = 0;
-    auto previousHandler = std::signal(SIGINT, onInterrupt);
     QTimer interruptWatch;
     QObject::connect(&interruptWatch, &QTimer::timeout, [&session] {
         if (interrupted != 0) {
@@ -166,7 +173,6 @@ int runRead(const ReadOptions& options) {
     if (session.state().isActive()) {
         QCoreApplication::exec();
     }
-    std::signal(SIGINT, previousHandler);
 
     std::printf("listened: %lld words in %.1f s\n", static_cast<long long>(words), seconds);
     if (device != nullptr && device->failure()) {

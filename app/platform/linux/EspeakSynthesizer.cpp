@@ -194,7 +194,9 @@ SynthesizedSpeech EspeakSynthesizer::render(std::u16string_view text, const std:
 
     bool known = std::any_of(voices_.begin(), voices_.end(),
                              [&](const PlatformVoice& v) { return v.id == voiceId; });
-    if (!known && !voiceId.empty()) {
+    if (!known && !voiceId.empty() && voiceId != lastUnknownVoice_) {
+        // Once per voice, not once per chunk.
+        lastUnknownVoice_ = voiceId;
         qCInfo(lcLinuxSpeech, "speech: unknown voice, the default voice speaks");
     }
     const std::string& voice = known ? voiceId : defaultVoiceId_;

@@ -26,6 +26,7 @@ public:
 private:
     std::vector<PlatformVoice> voices_;
     std::string defaultVoiceId_;
+    std::string lastUnknownVoice_;
 };
 
 // An espeak-ng language ("en-gb-x-rp") as a BCP-47 tag ("en-GB-x-rp").

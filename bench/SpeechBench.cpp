@@ -13,7 +13,7 @@ using namespace lectorbell;
 using Clock = std::chrono::steady_clock;
 
 // 20 words of ordinary prose, the size of a short speech chunk.
-const std::u16string twentyWords =
+constexpr std::u16string_view twentyWords =
     u"The committee met on Tuesday to review the proposal, and most members agreed that the "
     u"new schedule would work well.";
 
@@ -39,7 +39,7 @@ public:
     platform::AudioBufferId count = 0;
 };
 
-void BM_EspeakRenderTwentyWords(benchmark::State& state) {
+void espeakRenderTwentyWords(benchmark::State& state) {
     platform::EspeakSynthesizer synth{{"en-US"}};
     const float rate = static_cast<float>(state.range(0)) / 100.0F;
     double audioSeconds = 0;
@@ -53,19 +53,19 @@ void BM_EspeakRenderTwentyWords(benchmark::State& state) {
     state.counters["realTimeFactor"] =
         benchmark::Counter(audioSeconds, benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_EspeakRenderTwentyWords)->Arg(50)->Arg(72)->Unit(benchmark::kMillisecond);
+BENCHMARK(espeakRenderTwentyWords)->Arg(50)->Arg(72)->Unit(benchmark::kMillisecond);
 
-void BM_SpeakToFirstBuffer(benchmark::State& state) {
+void speakToFirstBuffer(benchmark::State& state) {
     platform::EspeakSynthesizer synth{{"en-US"}};
     FirstBufferOutput output;
     speech::SystemSpeechEngine engine{synth, output};
     for (auto _ : state) {
         Clock::time_point before = Clock::now();
-        engine.speak(Uuid::random(), twentyWords, std::nullopt, 0.5F);
+        engine.speak(Uuid::random(), std::u16string{twentyWords}, std::nullopt, 0.5F);
         state.SetIterationTime(std::chrono::duration<double>(*output.first - before).count());
         engine.stopImmediately();
     }
 }
-BENCHMARK(BM_SpeakToFirstBuffer)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(speakToFirstBuffer)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -13,12 +13,12 @@ constexpr int silentSegmentMs = 1;
 } // namespace
 
 std::vector<SoundSegment> segmentsAtWords(const platform::SynthesizedSpeech& speech) {
-    const auto channels = static_cast<std::size_t>(std::max(speech.format.channels, 1));
-    const std::int64_t frames = static_cast<std::int64_t>(speech.samples.size() / channels);
+    const std::int64_t channels = std::max(speech.format.channels, 1);
+    const std::int64_t frames = static_cast<std::int64_t>(speech.samples.size()) / channels;
     std::vector<SoundSegment> segments;
     if (frames == 0) {
-        auto silent = static_cast<std::size_t>(speech.format.sampleRate * silentSegmentMs / 1000);
-        SoundSegment segment{platform::PcmSamples(std::max<std::size_t>(silent, 1) * channels, 0),
+        std::int64_t silent = std::max(speech.format.sampleRate * silentSegmentMs / 1000, 1);
+        SoundSegment segment{platform::PcmSamples(static_cast<std::size_t>(silent * channels), 0),
                              {}};
         for (const platform::SpokenWord& word : speech.words) {
             segment.words.push_back(word.range);

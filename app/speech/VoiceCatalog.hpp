@@ -18,6 +18,7 @@ struct VoiceScore {
     int languageFlag = 0;
     std::string name;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy misreads the defaulted comparison.
     friend auto operator<=>(const VoiceScore&, const VoiceScore&) = default;
     friend bool operator==(const VoiceScore&, const VoiceScore&) = default;
 };

@@ -156,7 +156,7 @@ std::string bcp47FromEspeakLanguage(std::string_view language) {
     return tag;
 }
 
-EspeakSynthesizer::EspeakSynthesizer(std::vector<std::string> preferredLanguages) {
+EspeakSynthesizer::EspeakSynthesizer(const std::vector<std::string>& preferredLanguages) {
     EspeakLibrary& library = EspeakLibrary::shared();
     std::lock_guard lock{library.mutex};
     if (library.sampleRate > 0) {

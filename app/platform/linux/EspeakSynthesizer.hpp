@@ -12,7 +12,7 @@ namespace lectorbell::platform {
 class EspeakSynthesizer final : public PlatformSynthesizer {
 public:
     // `preferredLanguages` (BCP-47, most preferred first) choose the default voice.
-    explicit EspeakSynthesizer(std::vector<std::string> preferredLanguages = {});
+    explicit EspeakSynthesizer(const std::vector<std::string>& preferredLanguages = {});
 
     // False when espeak-ng or its voice data could not be loaded (logged once).
     bool isAvailable() const;

@@ -32,7 +32,7 @@ qint64 PcmFeed::bytesAvailable() const {
 }
 
 qint64 PcmFeed::readData(char* data, qint64 maxSize) {
-    const auto frameBytes = static_cast<qint64>(channels_ * sizeof(std::int16_t));
+    const auto frameBytes = static_cast<qint64>(channels_) * qint64{sizeof(std::int16_t)};
     const qint64 frames = maxSize / frameBytes;
     qint64 done = 0;
     while (done < frames) {

@@ -58,7 +58,8 @@ std::optional<std::string> QtAudioOutput::start(PcmFormat format) {
     failure_.reset();
     feed_ = std::make_unique<PcmFeed>(format.channels);
     sink_ = std::make_unique<QAudioSink>(device, qformat);
-    sink_->setBufferSize(static_cast<qsizetype>(qformat.bytesForDuration(deviceBufferMs * 1000)));
+    sink_->setBufferSize(
+        static_cast<qsizetype>(qformat.bytesForDuration(qint64{deviceBufferMs} * 1000)));
     sink_->start(feed_.get());
     if (sink_->error() != QAudio::NoError || sink_->state() == QAudio::StoppedState) {
         qCWarning(lcLinuxSpeech, "audio: the output device did not open (error %d)",

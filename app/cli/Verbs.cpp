@@ -7,6 +7,9 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addSentencesVerb(app, outcome);
     addShapeVerb(app, outcome);
     addGestureVerb(app, outcome);
+    addReadVerb(app, outcome);
+    addVoicesVerb(app, outcome);
+    addPaceVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

@@ -49,7 +49,18 @@ AXAnswer<MappedRole> AtspiNode::mapped() {
     if (needsXmlRoles(*role)) {
         xmlRoles = objectAttribute("xml-roles").value_or("");
     }
-    mapped_ = AXAnswer<MappedRole>{mapRole(*role, multiLine, xmlRoles)};
+    MappedRole result = mapRole(*role, multiLine, xmlRoles);
+    if (result.kind == TextKind::staticText) {
+        // A paragraph or label whose text runs are its own children (as Chromium exposes them)
+        // is a group of those runs, not one run itself.
+        AXAnswer<gint> count = guard_->run(
+            [&](GError** e) { return atspi_accessible_get_child_count(accessible(), e); });
+        if (count && *count > 0) {
+            result.role = "AXGroup";
+            result.kind = TextKind::container;
+        }
+    }
+    mapped_ = AXAnswer<MappedRole>{result};
     return *mapped_;
 }
 

@@ -23,6 +23,37 @@ std::u16string withoutObjects(std::u16string_view text) {
     return result;
 }
 
+constexpr int inlineDepth = 8;
+
+// An inline element's text as it reads in its owner's line: embedded objects replaced by their
+// own text, or the text runs it holds as children.
+std::u16string inlineText(AtspiNode& node, int depth) {
+    const CodePointText* own = node.text();
+    std::vector<std::shared_ptr<AtspiNode>> kids = node.rawChildren();
+    if (depth == 0) {
+        return own ? withoutObjects(own->utf16()) : u"";
+    }
+    std::u16string result;
+    if (own) {
+        auto objects = std::count(own->utf16().begin(), own->utf16().end(), objectReplacement);
+        if (static_cast<std::size_t>(objects) == kids.size()) {
+            std::size_t next = 0;
+            for (char16_t c : own->utf16()) {
+                result += c == objectReplacement ? inlineText(*kids[next++], depth - 1)
+                                                 : std::u16string(1, c);
+            }
+            return result;
+        }
+        if (kids.empty()) {
+            return withoutObjects(own->utf16());
+        }
+    }
+    for (auto& kid : kids) {
+        result += inlineText(*kid, depth - 1);
+    }
+    return result;
+}
+
 // The character's box is on the pointer's line (a generous band: lines have leading).
 bool onSameLine(const ScreenRect& box, ScreenPoint point) {
     double slack = std::max(2.0, box.height() * 0.25);
@@ -112,8 +143,7 @@ std::vector<ContentItem> AtspiNode::content() {
             std::shared_ptr<AtspiNode> child = kids[nextChild++];
             AXAnswer<AtspiRole> role = child->atspiRole();
             if (role && *role == ATSPI_ROLE_LINK) {
-                const CodePointText* linkText = child->text();
-                std::u16string expanded = linkText ? withoutObjects(linkText->utf16()) : u"";
+                std::u16string expanded = inlineText(*child, inlineDepth);
                 run.pieces.push_back({codePoint, 1, static_cast<std::int64_t>(run.text.size()),
                                       static_cast<std::int64_t>(expanded.size()), child});
                 run.text += expanded;

@@ -112,9 +112,6 @@ MappedRole mapRole(AtspiRole role, bool multiLine, std::string_view xmlRoles) {
     if (role == ATSPI_ROLE_ARTICLE) {
         mapped.subrole = "AXDocumentArticle";
     }
-    if (role == ATSPI_ROLE_PASSWORD_TEXT) {
-        mapped.subrole = "AXSecureTextField";
-    }
     // "xml-roles" may list several names; the first known one counts.
     std::size_t start = 0;
     while (!xmlRoles.empty() && start < xmlRoles.size()) {

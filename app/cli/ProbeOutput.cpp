@@ -21,8 +21,8 @@ std::string rectText(const std::optional<ScreenRect>& rect) {
         return "none";
     }
     char buffer[96];
-    std::snprintf(buffer, sizeof buffer, "%.0f,%.0f %.0fx%.0f", rect->x(), rect->y(),
-                  rect->width(), rect->height());
+    std::snprintf(buffer, sizeof buffer, "%.0f,%.0f %.0fx%.0f", rect->x(), rect->y(), rect->width(),
+                  rect->height());
     return buffer;
 }
 
@@ -45,7 +45,9 @@ json optionalJson(const std::optional<T>& value, Convert convert) {
 
 json observationJson(const SelectionObservation& o) {
     auto text = [](const std::u16string& s) { return toUtf8(s); };
-    auto range = [](const UTF16Range& r) { return json{{"location", r.location}, {"length", r.length}}; };
+    auto range = [](const UTF16Range& r) {
+        return json{{"location", r.location}, {"length", r.length}};
+    };
     auto same = [](const auto& v) { return v; };
     return {{"frontmostPID", o.frontmostPID},
             {"focusedElementPID", optionalJson(o.focusedElementPID, same)},
@@ -76,16 +78,18 @@ void printProbeJson(const ProbeReport& report, std::ostream& out) {
             object["text"] = toUtf8(report.decision->text());
         }
     }
-    const std::optional<ReadingError>& error =
-        report.decision && report.decision->error() ? report.decision->error() : report.cursor.error;
+    const std::optional<ReadingError>& error = report.decision && report.decision->error()
+                                                   ? report.decision->error()
+                                                   : report.cursor.error;
     object["error"] = error ? json(error->userMessage()) : json(nullptr);
     if (!report.selection) {
         if (const std::optional<AXCursorResult>& result = report.cursor.result) {
             json blocks = json::array();
             for (const ReadingBlock& block : result->blocks) {
-                blocks.push_back({{"role", std::string{rawValue(block.role)}},
-                                  {"bounds", block.bounds ? rectJson(*block.bounds) : json(nullptr)},
-                                  {"text", toUtf8(block.text)}});
+                blocks.push_back(
+                    {{"role", std::string{rawValue(block.role)}},
+                     {"bounds", block.bounds ? rectJson(*block.bounds) : json(nullptr)},
+                     {"text", toUtf8(block.text)}});
             }
             object["result"] = {
                 {"strategy", result->strategy},
@@ -99,6 +103,7 @@ void printProbeJson(const ProbeReport& report, std::ostream& out) {
             object["result"] = nullptr;
         }
     }
+    object["notice"] = report.notice ? json(*report.notice) : json(nullptr);
     object["trace"] = report.trace;
     object["milliseconds"] = report.milliseconds;
     out << object.dump() << '\n';
@@ -108,7 +113,8 @@ void printProbeText(const ProbeReport& report, std::ostream& out) {
     if (report.selection) {
         const SelectionObservation& o = report.selection->observation;
         out << "frontmost pid: " << o.frontmostPID << '\n';
-        out << "focused pid: " << (o.focusedElementPID ? std::to_string(*o.focusedElementPID) : "none") << '\n';
+        out << "focused pid: "
+            << (o.focusedElementPID ? std::to_string(*o.focusedElementPID) : "none") << '\n';
         out << "secure: " << (o.isSecure ? "true" : "false") << '\n';
         out << "focused role: " << o.focusedRole.value_or("none") << '\n';
         out << "selected text: " << (o.selectedText ? toUtf8(*o.selectedText) : "none") << '\n';
@@ -117,8 +123,10 @@ void printProbeText(const ProbeReport& report, std::ostream& out) {
                                       std::to_string(o.selectedRange->length)
                                 : "none")
             << '\n';
-        out << "text for range: " << (o.textForSelectedRange ? toUtf8(*o.textForSelectedRange) : "none") << '\n';
-        out << "value length: " << (o.focusedValueLength ? std::to_string(*o.focusedValueLength) : "none") << '\n';
+        out << "text for range: "
+            << (o.textForSelectedRange ? toUtf8(*o.textForSelectedRange) : "none") << '\n';
+        out << "value length: "
+            << (o.focusedValueLength ? std::to_string(*o.focusedValueLength) : "none") << '\n';
         out << "pointer over focused: " << (o.pointerOverFocusedElement ? "true" : "false") << '\n';
         if (report.selection->googleDocsHint) {
             out << "hint: " << *report.selection->googleDocsHint << '\n';
@@ -137,7 +145,8 @@ void printProbeText(const ProbeReport& report, std::ostream& out) {
     } else if (const std::optional<AXCursorResult>& result = report.cursor.result) {
         out << "strategy: " << result->strategy << '\n';
         out << "precision: " << description(result->precision) << '\n';
-        out << "confidence: " << (result->confidence ? rawValue(*result->confidence) : "none") << '\n';
+        out << "confidence: " << (result->confidence ? rawValue(*result->confidence) : "none")
+            << '\n';
         out << "truncated: " << (result->truncated ? "true" : "false") << '\n';
         out << "walkCut: " << (result->walkCut ? "true" : "false") << '\n';
         for (std::size_t i = 0; i < result->blocks.size(); ++i) {
@@ -147,6 +156,9 @@ void printProbeText(const ProbeReport& report, std::ostream& out) {
         }
     } else {
         out << "no accessibility text at this point\n";
+    }
+    if (report.notice) {
+        out << "notice: " << *report.notice << '\n';
     }
     for (const std::string& line : report.trace) {
         out << "trace: " << line << '\n';

@@ -14,6 +14,8 @@ struct ProbeReport {
     CursorOutcome cursor;
     std::optional<SelectionLookup> selection;
     std::optional<SelectionDecision> decision;
+    // Why nothing could be read, when the application itself is the reason.
+    std::optional<std::string> notice;
     std::vector<std::string> trace;
     double milliseconds = 0;
 };

@@ -55,11 +55,19 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
     } else if (std::optional<ProcessID> pid = desktop.processAt(point)) {
         report.pid = pid;
         report.cursor = extractor.extractAtCursor(*pid, point, std::nullopt, options.quick);
+        if (!report.cursor.result && !report.cursor.error && !desktop.application(*pid)) {
+            // Chromium, Electron and Qt applications build their tree only when accessibility
+            // is on as they start; switching it on later does not reach them.
+            report.notice = "process " + std::to_string(*pid) +
+                            " is not on the accessibility bus: restart it now that accessibility "
+                            "is on (Chromium and Electron apps: --force-renderer-accessibility)";
+        }
     } else {
         report.cursor.error = ReadingError{ReadingError::Kind::noExternalWindow};
     }
     report.milliseconds =
-        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count();
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started)
+            .count();
     return report;
 }
 
@@ -76,7 +84,8 @@ int runProbe(const ProbeOptions& options) {
     } else {
         printProbeText(report, std::cout);
     }
-    bool refused = report.decision ? report.decision->error().has_value() : report.cursor.error.has_value();
+    bool refused =
+        report.decision ? report.decision->error().has_value() : report.cursor.error.has_value();
     if (refused) {
         return 3;
     }

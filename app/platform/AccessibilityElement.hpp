@@ -1,10 +1,9 @@
 #pragma once
 
-#include "platform/AXAnswer.hpp"
-
 #include "lectorbell/ScreenGeometry.hpp"
 #include "lectorbell/SelectionPolicy.hpp"
 #include "lectorbell/UTF16Text.hpp"
+#include "platform/AXAnswer.hpp"
 
 #include <any>
 #include <cstdint>

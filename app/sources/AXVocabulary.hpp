@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -10,18 +9,23 @@
 // The role names that the tree walks match on, exactly as the adapters report them.
 namespace lectorbell::AXVocabulary {
 
-inline constexpr std::array<std::string_view, 23> skipRoles{
-    "AXButton",      "AXMenuButton",  "AXPopUpButton",        "AXCheckBox",
-    "AXRadioButton", "AXSlider",      "AXScrollBar",          "AXToolbar",
-    "AXMenuBar",     "AXMenu",        "AXMenuItem",           "AXTextField",
-    "AXComboBox",    "AXSearchField", "AXIncrementor",        "AXDisclosureTriangle",
-    "AXImage",       "AXSecureTextField", "AXTabGroup",       "AXSplitter",
-    "AXTextArea",    "AXHelpTag",     "AXPopover"};
+inline constexpr std::array<std::string_view, 23> skipRoles{"AXButton",      "AXMenuButton",
+                                                            "AXPopUpButton", "AXCheckBox",
+                                                            "AXRadioButton", "AXSlider",
+                                                            "AXScrollBar",   "AXToolbar",
+                                                            "AXMenuBar",     "AXMenu",
+                                                            "AXMenuItem",    "AXTextField",
+                                                            "AXComboBox",    "AXSearchField",
+                                                            "AXIncrementor", "AXDisclosureTriangle",
+                                                            "AXImage",       "AXSecureTextField",
+                                                            "AXTabGroup",    "AXSplitter",
+                                                            "AXTextArea",    "AXHelpTag",
+                                                            "AXPopover"};
 
 inline constexpr std::array<std::string_view, 9> skipSubroles{
-    "AXLandmarkNavigation",    "AXLandmarkBanner",     "AXLandmarkContentInfo",
-    "AXLandmarkSearch",        "AXLandmarkComplementary", "AXSecureTextField",
-    "AXApplicationStatus",     "AXApplicationTimer",   "AXApplicationMarquee"};
+    "AXLandmarkNavigation", "AXLandmarkBanner",        "AXLandmarkContentInfo",
+    "AXLandmarkSearch",     "AXLandmarkComplementary", "AXSecureTextField",
+    "AXApplicationStatus",  "AXApplicationTimer",      "AXApplicationMarquee"};
 
 inline constexpr std::array<std::string_view, 6> landmarkRoots{
     "AXLandmarkMain",          "AXDocumentArticle",     "AXLandmarkNavigation",
@@ -30,10 +34,10 @@ inline constexpr std::array<std::string_view, 6> landmarkRoots{
 inline constexpr std::array<std::string_view, 2> tableRoles{"AXTable", "AXGrid"};
 
 inline constexpr std::array<std::string_view, 16> controlRoles{
-    "AXButton",   "AXMenuButton", "AXPopUpButton",  "AXCheckBox",
-    "AXRadioButton", "AXTextField", "AXTextArea",   "AXSearchField",
-    "AXComboBox", "AXToolbar",    "AXMenuBar",      "AXSlider",
-    "AXIncrementor", "AXDisclosureTriangle", "AXScrollBar", "AXSecureTextField"};
+    "AXButton",         "AXMenuButton", "AXPopUpButton", "AXCheckBox",           "AXRadioButton",
+    "AXTextField",      "AXTextArea",   "AXSearchField", "AXComboBox",           "AXToolbar",
+    "AXMenuBar",        "AXSlider",     "AXIncrementor", "AXDisclosureTriangle", "AXScrollBar",
+    "AXSecureTextField"};
 
 inline constexpr std::string_view secureTextField = "AXSecureTextField";
 

@@ -20,8 +20,8 @@ constexpr auto hitRetryPause = std::chrono::milliseconds{60};
 constexpr auto manualAccessibilityPause = std::chrono::milliseconds{300};
 
 constexpr std::array<std::string_view, 7> chromiumFrameworks{
-    "Electron Framework.framework",     "Google Chrome Framework.framework",
-    "Chromium Framework.framework",     "Microsoft Edge Framework.framework",
+    "Electron Framework.framework",      "Google Chrome Framework.framework",
+    "Chromium Framework.framework",      "Microsoft Edge Framework.framework",
     "Brave Browser Framework.framework", "Arc Framework.framework",
     "Vivaldi Framework.framework"};
 
@@ -65,9 +65,10 @@ AXAnswer<ElementRef> AccessibilityExtractor::hitTest(AccessibilityApp& app, Scre
     return hit;
 }
 
-CursorOutcome AccessibilityExtractor::extractAtCursor(
-    ProcessID pid, ScreenPoint point, const std::optional<std::filesystem::path>& bundlePath,
-    bool quick) {
+CursorOutcome
+AccessibilityExtractor::extractAtCursor(ProcessID pid, ScreenPoint point,
+                                        const std::optional<std::filesystem::path>& bundlePath,
+                                        bool quick) {
     if (!desktop_.isTrusted()) {
         return {std::nullopt, ReadingError{ReadingError::Kind::accessibilityPermissionNeeded}};
     }
@@ -129,7 +130,8 @@ CursorOutcome AccessibilityExtractor::extractIn(AccessibilityApp& app, ScreenPoi
 std::optional<AXCursorResult>
 AccessibilityExtractor::textViewAround(const std::vector<ElementRef>& chain, ScreenPoint point) {
     for (std::size_t i = 0; i < chain.size() && i < textViewChainLimit; ++i) {
-        if (std::optional<AXCursorResult> result = readTextView(*chain[i], point, config_, context_)) {
+        if (std::optional<AXCursorResult> result =
+                readTextView(*chain[i], point, config_, context_)) {
             return result;
         }
     }
@@ -144,7 +146,8 @@ AccessibilityExtractor::textViewAround(const std::vector<ElementRef>& chain, Scr
             if (!TreeQueries::hasRole(*child, "AXTextArea")) {
                 continue;
             }
-            if (std::optional<AXCursorResult> result = readTextView(*child, point, config_, context_)) {
+            if (std::optional<AXCursorResult> result =
+                    readTextView(*child, point, config_, context_)) {
                 return result;
             }
         }

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "lectorbell/ReadingModel.hpp"
+#include "lectorbell/SelectionPolicy.hpp"
 #include "platform/AccessibilityApp.hpp"
 #include "sources/AXCursorResult.hpp"
 #include "sources/ExtractorConfig.hpp"
 #include "sources/WalkContext.hpp"
-
-#include "lectorbell/ReadingModel.hpp"
-#include "lectorbell/SelectionPolicy.hpp"
 
 #include <filesystem>
 #include <optional>
@@ -53,8 +52,8 @@ private:
     std::optional<AXCursorResult> textViewAround(const std::vector<ElementRef>& chain,
                                                  ScreenPoint point);
     std::optional<AXCursorResult> readLeaves(const ElementRef& hit,
-                                             const std::vector<ElementRef>& chain,
-                                             ElementRef root, ScreenPoint point);
+                                             const std::vector<ElementRef>& chain, ElementRef root,
+                                             ScreenPoint point);
     void enableManualAccessibilityIfNeeded(AccessibilityApp& app, ProcessID pid,
                                            const std::optional<std::filesystem::path>& bundle);
 

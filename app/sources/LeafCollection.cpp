@@ -1,24 +1,14 @@
+#include "lectorbell/Utf8.hpp"
 #include "sources/AXVocabulary.hpp"
 #include "sources/Leaves.hpp"
+#include "sources/TextSpace.hpp"
 #include "sources/TreeQueries.hpp"
-
-#include "lectorbell/Utf8.hpp"
 
 #include <cmath>
 
 namespace lectorbell::LeafWalk {
 
 namespace {
-
-bool isBlank(std::u16string_view text) {
-    for (char16_t c : text) {
-        if (!(c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\u00A0' ||
-              c == u'\u2028' || c == u'\u2029' || c == u'\uFFFC')) {
-            return false;
-        }
-    }
-    return true;
-}
 
 bool isDuplicate(const std::vector<Leaf>& leaves, const Leaf& leaf) {
     if (leaves.empty() || leaves.back().text != leaf.text) {
@@ -60,7 +50,8 @@ void collect(const ElementRef& element, std::vector<Leaf>& leaves, WalkBudget& b
     }
     const std::optional<std::string>& role = snapshot->role;
     if (AXVocabulary::contains(AXVocabulary::skipRoles, role) ||
-        (options.skipLandmarks && AXVocabulary::contains(AXVocabulary::skipSubroles, snapshot->subrole))) {
+        (options.skipLandmarks &&
+         AXVocabulary::contains(AXVocabulary::skipSubroles, snapshot->subrole))) {
         return;
     }
     if (AXVocabulary::contains(AXVocabulary::tableRoles, role)) {
@@ -74,7 +65,7 @@ void collect(const ElementRef& element, std::vector<Leaf>& leaves, WalkBudget& b
         bool goOn = budget.spend(static_cast<std::int64_t>(text.size()), context.now());
         Leaf leaf{element, text, snapshot->frame, options.inHeading, false};
         bool visible = !leaf.frame || (leaf.frame->width() > 2 && leaf.frame->height() > 2);
-        if (!isBlank(text) && visible && !isDuplicate(leaves, leaf)) {
+        if (!TextSpace::isBlank(text) && visible && !isDuplicate(leaves, leaf)) {
             traceLeaf(leaf, context);
             leaves.push_back(std::move(leaf));
         }

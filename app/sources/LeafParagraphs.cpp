@@ -1,6 +1,6 @@
-#include "sources/Leaves.hpp"
-
 #include "lectorbell/TextSegmenter.hpp"
+#include "sources/Leaves.hpp"
+#include "sources/TextSpace.hpp"
 
 #include <algorithm>
 
@@ -8,12 +8,8 @@ namespace lectorbell::LeafWalk {
 
 namespace {
 
-bool isSpace(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\u00A0';
-}
-
 bool endsWithTerminalPunctuation(std::u16string_view text) {
-    while (!text.empty() && isSpace(text.back())) {
+    while (!text.empty() && TextSpace::isSpace(text.back())) {
         text.remove_suffix(1);
     }
     return !text.empty() && TextSegmenter::isTerminalPunctuation(text.substr(text.size() - 1));
@@ -51,8 +47,8 @@ bool joins(const OpenBlock& block, const Leaf& next) {
 
 // Runs of one line abut (their spaces are their own); wrapped lines are joined with a space.
 void append(OpenBlock& block, const Leaf& next) {
-    bool abut = block.text.empty() || isSpace(block.text.back()) ||
-                (!next.text.empty() && isSpace(next.text.front())) ||
+    bool abut = block.text.empty() || TextSpace::isSpace(block.text.back()) ||
+                (!next.text.empty() && TextSpace::isSpace(next.text.front())) ||
                 (block.last->frame && next.frame && sameLine(*block.last->frame, *next.frame));
     if (abut) {
         block.text += next.text;

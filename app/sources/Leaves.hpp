@@ -1,9 +1,8 @@
 #pragma once
 
+#include "lectorbell/ReadingModel.hpp"
 #include "platform/AccessibilityElement.hpp"
 #include "sources/WalkContext.hpp"
-
-#include "lectorbell/ReadingModel.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,15 +1,15 @@
+#include "lectorbell/Utf8.hpp"
 #include "sources/AccessibilityExtractor.hpp"
 #include "sources/SelectionSources.hpp"
+#include "sources/TextSpace.hpp"
 #include "sources/TreeQueries.hpp"
-
-#include "lectorbell/Utf8.hpp"
 
 namespace lectorbell {
 
 namespace {
 
 bool isBlank(const std::optional<std::u16string>& text) {
-    return !text || text->find_first_not_of(u" \t\r\n\u00A0") == std::u16string::npos;
+    return !text || TextSpace::isBlank(*text);
 }
 
 std::string chars(std::size_t length) {

@@ -1,9 +1,9 @@
+#include "lectorbell/AnchorResolver.hpp"
 #include "sources/AccessibilityExtractor.hpp"
 #include "sources/Leaves.hpp"
 #include "sources/TextMarkerAnchor.hpp"
+#include "sources/TextSpace.hpp"
 #include "sources/TreeQueries.hpp"
-
-#include "lectorbell/AnchorResolver.hpp"
 
 namespace lectorbell {
 
@@ -11,10 +11,6 @@ namespace {
 
 constexpr std::size_t headingChainLimit = 4;
 constexpr std::size_t rowSearchLimit = 6;
-
-bool isBlankText(std::u16string_view text) {
-    return text.find_first_not_of(u" \t\r\n\u00A0\uFFFC") == std::u16string_view::npos;
-}
 
 // Cuts the blocks so that their text stays within the limit; true when anything was cut.
 bool cutAtLimit(std::vector<ReadingBlock>& blocks, std::int64_t limit) {
@@ -34,23 +30,22 @@ bool cutAtLimit(std::vector<ReadingBlock>& blocks, std::int64_t limit) {
 
 } // namespace
 
-std::optional<AXCursorResult> AccessibilityExtractor::readLeaves(const ElementRef& hit,
-                                                                 const std::vector<ElementRef>& chain,
-                                                                 ElementRef root,
-                                                                 ScreenPoint point) {
+std::optional<AXCursorResult>
+AccessibilityExtractor::readLeaves(const ElementRef& hit, const std::vector<ElementRef>& chain,
+                                   ElementRef root, ScreenPoint point) {
     auto started = context_.now();
     auto normalDeadline = started + config_.walkDeadline;
-    WalkBudget walk = quickWalk_ ? WalkBudget{WalkBudget::quickNodes, WalkBudget::quickChars,
-                                              started + WalkBudget::quickTime}
-                                 : WalkBudget{config_.maxNodes, WalkBudget::normalChars,
-                                              normalDeadline};
+    WalkBudget walk = quickWalk_
+                          ? WalkBudget{WalkBudget::quickNodes, WalkBudget::quickChars,
+                                       started + WalkBudget::quickTime}
+                          : WalkBudget{config_.maxNodes, WalkBudget::normalChars, normalDeadline};
     WalkBudget probe{WalkBudget::probeNodes, WalkBudget::probeChars, normalDeadline};
 
     // The pointed leaf.
     std::optional<Leaf> pointed;
     AXAnswer<ElementSnapshot> hitSnapshot = hit->snapshot();
     if (hitSnapshot && hitSnapshot->role == "AXStaticText" && hitSnapshot->value &&
-        !isBlankText(*hitSnapshot->value)) {
+        !TextSpace::isBlank(*hitSnapshot->value)) {
         bool inHeading = false;
         for (std::size_t i = 0; i < chain.size() && i < headingChainLimit; ++i) {
             inHeading = inHeading || TreeQueries::hasRole(*chain[i], "AXHeading");

@@ -1,5 +1,6 @@
 #include "sources/SelectionSources.hpp"
 
+#include "sources/TextSpace.hpp"
 #include "sources/TreeQueries.hpp"
 
 namespace lectorbell::SelectionSources {
@@ -8,10 +9,6 @@ namespace {
 
 constexpr std::size_t ancestorLimit = 40;
 constexpr std::int64_t innerSearchNodes = 400;
-
-bool isBlank(const std::u16string& text) {
-    return text.find_first_not_of(u" \t\r\n\u00A0") == std::u16string::npos;
-}
 
 void addWebAreas(const ElementRef& element, std::vector<ElementRef>& areas) {
     for (const ElementRef& ancestor :
@@ -38,7 +35,7 @@ std::optional<std::u16string> innerTextAreaSelection(const ElementRef& area,
         if (i > 0 && TreeQueries::hasRole(*element, "AXTextArea") &&
             !TreeQueries::isSecure(*element)) {
             AXAnswer<std::u16string> selected = element->selectedText();
-            if (selected && !isBlank(*selected)) {
+            if (selected && !TextSpace::isBlank(*selected)) {
                 context.trace("selection: found in a Google Docs inner AXTextArea (" +
                               std::to_string(selected->size()) + " chars)");
                 return *selected;
@@ -77,7 +74,8 @@ std::optional<std::u16string> webPageSelection(AccessibilityApp& app, const Elem
         }
     }
     for (const ElementRef& area : areas) {
-        if (std::optional<std::u16string> text = markerSelection(*area); text && !isBlank(*text)) {
+        if (std::optional<std::u16string> text = markerSelection(*area);
+            text && !TextSpace::isBlank(*text)) {
             return text;
         }
         if (isGoogleDocsArea(*area)) {

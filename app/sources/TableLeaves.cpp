@@ -1,8 +1,7 @@
+#include "lectorbell/TableReading.hpp"
 #include "sources/AXVocabulary.hpp"
 #include "sources/Leaves.hpp"
 #include "sources/TreeQueries.hpp"
-
-#include "lectorbell/TableReading.hpp"
 
 namespace lectorbell::LeafWalk {
 

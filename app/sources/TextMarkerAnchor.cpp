@@ -1,8 +1,8 @@
 #include "sources/TextMarkerAnchor.hpp"
 
-#include "sources/TreeQueries.hpp"
-
 #include "lectorbell/Utf8.hpp"
+#include "sources/TextSpace.hpp"
+#include "sources/TreeQueries.hpp"
 
 namespace lectorbell {
 
@@ -11,21 +11,17 @@ namespace {
 constexpr std::size_t wordsCompared = 3;
 constexpr std::size_t excerptUTF16 = 40;
 
-bool isSpace(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\u00A0' || c == u'\uFFFC';
-}
-
 // The first `count` whitespace-separated words of the text, joined by single spaces.
 std::u16string leadingWords(std::u16string_view text, std::size_t count) {
     std::u16string words;
     std::size_t taken = 0;
     std::size_t i = 0;
     while (i < text.size() && taken < count) {
-        while (i < text.size() && isSpace(text[i])) {
+        while (i < text.size() && TextSpace::isSpace(text[i])) {
             ++i;
         }
         std::size_t start = i;
-        while (i < text.size() && !isSpace(text[i])) {
+        while (i < text.size() && !TextSpace::isSpace(text[i])) {
             ++i;
         }
         if (i > start) {
@@ -50,9 +46,10 @@ std::optional<std::int64_t> alignStream(std::u16string_view leafText, std::u16st
         }
         for (std::size_t at = 0; at < leafText.size(); ++at) {
             if (leadingWords(leafText.substr(at), count) == words &&
-                (at == 0 || isSpace(leafText[at - 1]) || !isSpace(leafText[at]))) {
+                (at == 0 || TextSpace::isSpace(leafText[at - 1]) ||
+                 !TextSpace::isSpace(leafText[at]))) {
                 std::size_t skip = at;
-                while (skip < leafText.size() && isSpace(leafText[skip])) {
+                while (skip < leafText.size() && TextSpace::isSpace(leafText[skip])) {
                     ++skip;
                 }
                 return static_cast<std::int64_t>(skip);
@@ -104,8 +101,8 @@ std::optional<std::int64_t> textMarkerOffset(std::u16string_view leafText,
         return std::nullopt;
     }
     std::optional<std::int64_t> aligned = alignStream(leafText, *stream);
-    context.trace("markers: stream " + std::to_string(stream->size()) + " chars, aligned=" +
-                  (aligned ? std::to_string(*aligned) : std::string{"none"}));
+    context.trace("markers: stream " + std::to_string(stream->size()) +
+                  " chars, aligned=" + (aligned ? std::to_string(*aligned) : std::string{"none"}));
     if (context.devLogExcerpts) {
         context.trace("markers excerpt: stream=\"" + toUtf8(stream->substr(0, excerptUTF16)) +
                       "\"");

@@ -1,9 +1,8 @@
 #include "sources/TextViewReader.hpp"
 
-#include "sources/TreeQueries.hpp"
-
 #include "lectorbell/AnchorResolver.hpp"
 #include "lectorbell/TextSegmenter.hpp"
+#include "sources/TreeQueries.hpp"
 
 #include <algorithm>
 

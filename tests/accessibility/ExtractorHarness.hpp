@@ -1,10 +1,8 @@
 #pragma once
 
 #include "FixtureTree.hpp"
-
-#include "sources/AccessibilityExtractor.hpp"
-
 #include "lectorbell/Utf8.hpp"
+#include "sources/AccessibilityExtractor.hpp"
 
 #include <string>
 #include <vector>
@@ -17,7 +15,8 @@ struct ExtractorHarness {
         : tree(std::move(fixture))
         , extractor(*tree, config,
                     WalkContext{[this] { return tree->now(); },
-                                [this](std::string_view line) { trace.emplace_back(line); }, false}) {}
+                                [this](std::string_view line) { trace.emplace_back(line); },
+                                false}) {}
 
     CursorOutcome at(ProcessID pid, ScreenPoint point, bool quick = false) {
         return extractor.extractAtCursor(pid, point, std::nullopt, quick);

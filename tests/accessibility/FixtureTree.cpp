@@ -25,6 +25,8 @@ struct FixtureTree::Node {
     std::optional<UTF16Range> selectedRange;
     std::optional<std::u16string> markerSelection;
     std::optional<std::string> url;
+    std::optional<std::string> domId;
+    std::vector<std::string> classes;
     bool header = false;
 
     bool hasLayout() const { return charWidth > 0 && lineHeight > 0 && value && frame; }
@@ -47,8 +49,8 @@ void parseChildren(const nlohmann::json& j, const std::shared_ptr<Node>& node, d
         int repeat = child.value("repeat", 1);
         std::vector<double> step = child.value("repeatStep", std::vector<double>{0, 0});
         for (int i = 0; i < repeat; ++i) {
-            auto parsed = parseNode(child, dx + step[0] * i, dy + step[1] * i,
-                                    repeat > 1 ? i : copy, byId);
+            auto parsed =
+                parseNode(child, dx + step[0] * i, dy + step[1] * i, repeat > 1 ? i : copy, byId);
             parsed->parent = node;
             node->children.push_back(parsed);
         }
@@ -100,6 +102,10 @@ std::shared_ptr<Node> parseNode(const nlohmann::json& j, double dx, double dy, i
         node->url = j["url"].get<std::string>();
     }
     node->header = j.value("header", false);
+    if (j.contains("domId")) {
+        node->domId = j["domId"].get<std::string>();
+    }
+    node->classes = j.value("classes", std::vector<std::string>{});
     if (!node->id.empty()) {
         byId[node->id] = node;
     }
@@ -297,8 +303,10 @@ public:
         return AXFailure::absent;
     }
     AXAnswer<std::string> url() override { return answer(node_->url); }
-    AXAnswer<std::string> domIdentifier() override { return AXFailure::absent; }
-    AXAnswer<std::vector<std::string>> domClassList() override { return AXFailure::absent; }
+    AXAnswer<std::string> domIdentifier() override { return answer(node_->domId); }
+    AXAnswer<std::vector<std::string>> domClassList() override {
+        return answer(std::optional<std::vector<std::string>>{node_->classes});
+    }
 
     AXAnswer<TextMarker> textMarkerForPosition(ScreenPoint point) override {
         if (!enter()) {
@@ -411,7 +419,8 @@ public:
         if (!tree_->focused_) {
             return AXFailure::absent;
         }
-        return ElementRef{std::make_shared<FixtureElement>(tree_->byId_.at(*tree_->focused_), tree_)};
+        return ElementRef{
+            std::make_shared<FixtureElement>(tree_->byId_.at(*tree_->focused_), tree_)};
     }
     bool hasTimedOut() const override { return tree_->timedOut_; }
     bool requestManualAccessibility() override { return true; }

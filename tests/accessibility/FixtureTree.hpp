@@ -14,8 +14,9 @@ namespace lectorbell::testing {
 //
 // A node: {"id", "role", "subrole", "value", "frame": [x, y, w, h], "children": [...],
 //   "layout": {"charWidth", "lineHeight"} (monospaced text: answers range, string and bounds
-//   queries, unless "rangeQueries": false; text markers use the layout too), "hitTestable": false (the hit test passes over it), "timeout": true (every call
-//   on it times out), "pid", "selectedText", "selectedRange": [location, length], "url",
+//   queries, unless "rangeQueries": false; text markers use the layout too), "hitTestable": false
+//   (the hit test passes over it), "timeout": true (every call on it times out), "pid",
+//   "selectedText", "selectedRange": [location, length], "url", "domId", "classes": [...],
 //   "header": true (a table row of column headers), "repeat": n (the node stands for n copies)}.
 // The document: {"pid", "focused": id, "markers": true (web areas offer text markers),
 //   "callCostMs": n (each call advances the virtual clock), "root": node}.

@@ -1,6 +1,5 @@
-#include "sources/Leaves.hpp"
-
 #include "lectorbell/Utf8.hpp"
+#include "sources/Leaves.hpp"
 
 #include <gtest/gtest.h>
 
@@ -20,16 +19,23 @@ TEST(BestAligned, scoresDistanceAndPrefersTheEarlierLeafOnATie) {
     };
     const Case cases[] = {
         {"tie keeps the earlier leaf",
-         {leaf("a", ScreenRect{0, 0, 50, 20}), leaf("b", ScreenRect{0, 0, 50, 20})}, {10, 10}, 0},
+         {leaf("a", ScreenRect{0, 0, 50, 20}), leaf("b", ScreenRect{0, 0, 50, 20})},
+         {10, 10},
+         0},
         {"frameless leaves are ignored",
-         {leaf("a", std::nullopt), leaf("b", ScreenRect{0, 0, 50, 20})}, {10, 10}, 1},
+         {leaf("a", std::nullopt), leaf("b", ScreenRect{0, 0, 50, 20})},
+         {10, 10},
+         1},
         {"too far below", {leaf("a", ScreenRect{0, 0, 50, 20})}, {10, 36}, std::nullopt},
         {"too far beside", {leaf("a", ScreenRect{0, 0, 50, 20})}, {111, 10}, std::nullopt},
-        {"nearer line wins", {leaf("a", ScreenRect{0, 0, 50, 20}), leaf("b", ScreenRect{0, 22, 50, 20})},
-         {10, 24}, 1},
+        {"nearer line wins",
+         {leaf("a", ScreenRect{0, 0, 50, 20}), leaf("b", ScreenRect{0, 22, 50, 20})},
+         {10, 24},
+         1},
         {"left of a split line takes the run that starts it",
          {leaf("start", ScreenRect{100, 0, 40, 20}), leaf("rest", ScreenRect{108, 0, 40, 20})},
-         {90, 10}, 0},
+         {90, 10},
+         0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -53,10 +59,9 @@ TEST(LeafParagraphs, joinsLinesAndRunsAndSplitsAtHeadingsGapsAndSentenceEnds) {
     for (const ReadingBlock& block : blocks) {
         texts.push_back(toUtf8(block.text));
     }
-    EXPECT_EQ(texts, (std::vector<std::string>{"Title",
-                                               "A line that wraps onto the next line with a link",
-                                               "Far below.", "No frame Also none.",
-                                               "After a stop"}));
+    EXPECT_EQ(texts,
+              (std::vector<std::string>{"Title", "A line that wraps onto the next line with a link",
+                                        "Far below.", "No frame Also none.", "After a stop"}));
     EXPECT_EQ(blocks[0].role, BlockRole::heading);
     EXPECT_EQ(blocks[1].role, BlockRole::body);
     EXPECT_EQ(blocks[1].bounds, (ScreenRect{0, 40, 380, 40}));

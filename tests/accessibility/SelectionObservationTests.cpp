@@ -1,5 +1,4 @@
 #include "ExtractorHarness.hpp"
-
 #include "lectorbell/SelectionPolicy.hpp"
 
 #include <fstream>

@@ -35,7 +35,8 @@ TEST(TextAtPointer, hitInASidebarIsRescopedToTheArticleAroundTheAlignedText) {
     CursorOutcome outcome = probe.at(100, {230, 405});
     ASSERT_TRUE(outcome.result);
     EXPECT_TRUE(probe.traced("cursor: leaf walk under AXWebArea"));
-    EXPECT_TRUE(probe.traced("cursor: re-scoped to AXGroup/AXDocumentArticle around the aligned text"));
+    EXPECT_TRUE(
+        probe.traced("cursor: re-scoped to AXGroup/AXDocumentArticle around the aligned text"));
     EXPECT_EQ(blockTexts(*outcome.result), (Strings{"After the last town the river widens."}));
     EXPECT_EQ(outcome.result->precision, AnchorPrecision::element);
 }
@@ -59,13 +60,25 @@ TEST(TextAtPointer, editorInsideAScrollAreaIsFoundByTheChildrenProbe) {
     };
     const Case cases[] = {
         // "more" is at column 16 of the second line.
-        {"word", {100 + 16 * 10 + 3, 30 + 20}, "more words in it.", AnchorPrecision::word,
+        {"word",
+         {100 + 16 * 10 + 3, 30 + 20},
+         "more words in it.",
+         AnchorPrecision::word,
          "text-view: 2 blocks, precision word"},
-        {"margin clamped", {50, 30 + 20}, "Second line has more words in it.",
-         AnchorPrecision::sentence, "text-view: candidate AXTextArea"},
-        {"far left", {0, 30 + 20}, std::nullopt, AnchorPrecision::element,
+        {"margin clamped",
+         {50, 30 + 20},
+         "Second line has more words in it.",
+         AnchorPrecision::sentence,
+         "text-view: candidate AXTextArea"},
+        {"far left",
+         {0, 30 + 20},
+         std::nullopt,
+         AnchorPrecision::element,
          "text-view: pointer outside view frame"},
-        {"below the text", {150, 80 + 2 * 20 + 10}, std::nullopt, AnchorPrecision::element,
+        {"below the text",
+         {150, 80 + 2 * 20 + 10},
+         std::nullopt,
+         AnchorPrecision::element,
          "text-view: character bounds 50pt from pointer (line 20)"},
     };
     for (const Case& c : cases) {

@@ -21,13 +21,14 @@ json longPage(int count, const std::string& leafText, double callCostMs = 0,
                          {"numbered", true},
                          {"frame", {10, 140, 800, 20}}}}}};
     json second = {{"role", "AXGroup"}, {"frame", {10, 130, 900, 5}}, {"timeout", hangSecond}};
-    json article = {{"role", "AXGroup"},
-                    {"subrole", "AXLandmarkMain"},
-                    {"frame", {0, 100, 1000, 900}},
-                    {"children",
-                     {{{"role", "AXStaticText"}, {"value", "First words."}, {"frame", {10, 100, 120, 20}}},
-                      second,
-                      paragraph}}};
+    json article = {
+        {"role", "AXGroup"},
+        {"subrole", "AXLandmarkMain"},
+        {"frame", {0, 100, 1000, 900}},
+        {"children",
+         {{{"role", "AXStaticText"}, {"value", "First words."}, {"frame", {10, 100, 120, 20}}},
+          second,
+          paragraph}}};
     return {{"pid", 7},
             {"callCostMs", callCostMs},
             {"root",
@@ -35,7 +36,10 @@ json longPage(int count, const std::string& leafText, double callCostMs = 0,
               {"children",
                {{{"role", "AXWindow"},
                  {"frame", {0, 0, 1000, 1000}},
-                 {"children", {{{"role", "AXWebArea"}, {"frame", {0, 0, 1000, 1000}}, {"children", {article}}}}}}}}}}};
+                 {"children",
+                  {{{"role", "AXWebArea"},
+                    {"frame", {0, 0, 1000, 1000}},
+                    {"children", {article}}}}}}}}}}};
 }
 
 TEST(WalkBudget, eachLimitCutsTheWalkAndKeepsWhatWasCollected) {

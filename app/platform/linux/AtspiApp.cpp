@@ -37,7 +37,8 @@ std::shared_ptr<AtspiNode> focusedByCollection(AtspiNode& frame) {
     std::shared_ptr<AtspiNode> found;
     if ((*matches)->len > 0) {
         auto* accessible = g_array_index(*matches, AtspiAccessible*, 0);
-        found = std::make_shared<AtspiNode>(GRef<AtspiAccessible>::retain(accessible), frame.guard());
+        found =
+            std::make_shared<AtspiNode>(GRef<AtspiAccessible>::retain(accessible), frame.guard());
     }
     for (guint i = 0; i < (*matches)->len; ++i) {
         g_object_unref(g_array_index(*matches, AtspiAccessible*, i));

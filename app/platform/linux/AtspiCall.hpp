@@ -3,7 +3,6 @@
 #include "platform/AXAnswer.hpp"
 
 #include <atspi/atspi.h>
-
 #include <chrono>
 #include <memory>
 #include <string>

@@ -67,7 +67,8 @@ std::optional<bool> AtspiDesktop::toolkitAccessibilityEnabled() {
     }
     GVariant* boxed = nullptr;
     g_variant_get(reply, "(v)", &boxed);
-    bool enabled = g_variant_is_of_type(boxed, G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(boxed);
+    bool enabled =
+        g_variant_is_of_type(boxed, G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(boxed);
     g_variant_unref(boxed);
     g_variant_unref(reply);
     return enabled;
@@ -116,8 +117,8 @@ std::unique_ptr<AccessibilityApp> AtspiDesktop::application(ProcessID pid) {
         return nullptr;
     }
     for (int i = 0; i < count && i < applicationLimit; ++i) {
-        GRef<AtspiAccessible> app =
-            GRef<AtspiAccessible>::adopt(atspi_accessible_get_child_at_index(desktop.get(), i, &error));
+        GRef<AtspiAccessible> app = GRef<AtspiAccessible>::adopt(
+            atspi_accessible_get_child_at_index(desktop.get(), i, &error));
         if (error) {
             g_error_free(error);
             error = nullptr;

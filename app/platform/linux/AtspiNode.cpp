@@ -41,8 +41,8 @@ AXAnswer<MappedRole> AtspiNode::mapped() {
     }
     bool multiLine = false;
     if (*role == ATSPI_ROLE_TEXT) {
-        GRef<AtspiStateSet> states = GRef<AtspiStateSet>::adopt(
-            atspi_accessible_get_state_set(accessible()));
+        GRef<AtspiStateSet> states =
+            GRef<AtspiStateSet>::adopt(atspi_accessible_get_state_set(accessible()));
         multiLine = states && atspi_state_set_contains(states.get(), ATSPI_STATE_MULTI_LINE);
     }
     std::string xmlRoles;
@@ -99,8 +99,8 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
         return *children_;
     }
     children_.emplace();
-    AXAnswer<gint> count = guard_->run(
-        [&](GError** e) { return atspi_accessible_get_child_count(accessible(), e); });
+    AXAnswer<gint> count =
+        guard_->run([&](GError** e) { return atspi_accessible_get_child_count(accessible(), e); });
     if (!count || *count <= 0) {
         return *children_;
     }
@@ -110,8 +110,8 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
         AXAnswer<AtspiAccessible*> child = guard_->run(
             [&](GError** e) { return atspi_accessible_get_child_at_index(accessible(), i, e); });
         if (child && *child) {
-            children_->push_back(std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*child),
-                                                             guard_));
+            children_->push_back(
+                std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*child), guard_));
         }
     }
     return *children_;
@@ -179,7 +179,8 @@ AXAnswer<ScreenRect> AtspiNode::frame() {
 }
 
 AXAnswer<ScreenRect> AtspiNode::codePointExtents(std::int64_t start, std::int64_t end) {
-    GRef<AtspiText> textIface = GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
+    GRef<AtspiText> textIface =
+        GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     if (!textIface || end <= start) {
         return AXFailure::absent;
     }
@@ -272,7 +273,8 @@ std::set<std::string> AtspiNode::parameterizedNames() {
 }
 
 bool AtspiNode::hasText() {
-    GRef<AtspiText> textIface = GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
+    GRef<AtspiText> textIface =
+        GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     return static_cast<bool>(textIface);
 }
 
@@ -311,7 +313,8 @@ AXAnswer<std::vector<ElementRef>> AtspiNode::columnHeaders() {
     std::vector<ElementRef> headers;
     for (auto& cell : first->rawChildren()) {
         AXAnswer<AtspiRole> role = cell->atspiRole();
-        if (!role || (*role != ATSPI_ROLE_COLUMN_HEADER && *role != ATSPI_ROLE_TABLE_COLUMN_HEADER)) {
+        if (!role ||
+            (*role != ATSPI_ROLE_COLUMN_HEADER && *role != ATSPI_ROLE_TABLE_COLUMN_HEADER)) {
             return AXFailure::absent;
         }
         headers.push_back(cell);
@@ -327,7 +330,8 @@ AXAnswer<std::string> AtspiNode::url() {
     }
     for (const char* name : {"DocURL", "URI"}) {
         AXAnswer<gchar*> value = guard_->run([&](GError** e) {
-            return atspi_document_get_document_attribute_value(document.get(), const_cast<gchar*>(name), e);
+            return atspi_document_get_document_attribute_value(document.get(),
+                                                               const_cast<gchar*>(name), e);
         });
         if (value && *value && **value) {
             return takeString(*value);

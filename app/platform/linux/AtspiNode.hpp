@@ -6,7 +6,6 @@
 #include "platform/linux/CodePointText.hpp"
 
 #include <atspi/atspi.h>
-
 #include <memory>
 #include <optional>
 #include <variant>

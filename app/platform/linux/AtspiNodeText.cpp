@@ -78,7 +78,8 @@ const CodePointText* AtspiNode::text() {
     if (!m || m->kind == TextKind::secure) {
         return nullptr;
     }
-    GRef<AtspiText> textIface = GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
+    GRef<AtspiText> textIface =
+        GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     if (textIface) {
         AXAnswer<gint> count = guard_->run(
             [&](GError** e) { return atspi_text_get_character_count(textIface.get(), e); });
@@ -117,8 +118,11 @@ std::vector<ContentItem> AtspiNode::content() {
     if (!full || static_cast<std::size_t>(objects) != kids.size()) {
         // Children that do not match the text's embedded objects: take the children alone.
         if (full && kids.empty() && !isBlank(*full)) {
-            TextRun run{*full, {{0, own->codePointCount(), 0, static_cast<std::int64_t>(full->size()), nullptr}},
-                        0, own->codePointCount()};
+            TextRun run{
+                *full,
+                {{0, own->codePointCount(), 0, static_cast<std::int64_t>(full->size()), nullptr}},
+                0,
+                own->codePointCount()};
             content_->push_back(std::move(run));
         }
         for (auto& kid : kids) {
@@ -157,7 +161,8 @@ std::vector<ContentItem> AtspiNode::content() {
         std::size_t units = (c >= 0xD800 && c <= 0xDBFF && i + 1 < full->size()) ? 2 : 1;
         if (run.pieces.empty() || run.pieces.back().link ||
             run.pieces.back().ownerStart + run.pieces.back().ownerLength != codePoint) {
-            run.pieces.push_back({codePoint, 0, static_cast<std::int64_t>(run.text.size()), 0, nullptr});
+            run.pieces.push_back(
+                {codePoint, 0, static_cast<std::int64_t>(run.text.size()), 0, nullptr});
         }
         run.pieces.back().ownerLength += 1;
         run.pieces.back().runLength += static_cast<std::int64_t>(units);
@@ -191,7 +196,8 @@ const TextRun* AtspiNode::ownRun() {
     if (joined.pieces.empty() && !own->utf16().empty()) {
         // A label known only by its name: one plain piece.
         joined.text = withoutObjects(own->utf16());
-        joined.pieces.push_back({0, own->codePointCount(), 0, static_cast<std::int64_t>(joined.text.size()), nullptr});
+        joined.pieces.push_back(
+            {0, own->codePointCount(), 0, static_cast<std::int64_t>(joined.text.size()), nullptr});
     }
     ownRun_ = std::move(joined);
     return &*ownRun_;
@@ -209,11 +215,13 @@ AXAnswer<std::u16string> AtspiNode::value() {
     }
     if (m->kind == TextKind::staticText) {
         const TextRun* run = ownRun();
-        return run ? AXAnswer<std::u16string>{run->text} : AXAnswer<std::u16string>{AXFailure::absent};
+        return run ? AXAnswer<std::u16string>{run->text}
+                   : AXAnswer<std::u16string>{AXFailure::absent};
     }
     if (m->kind == TextKind::textControl) {
         const CodePointText* own = text();
-        return own ? AXAnswer<std::u16string>{own->utf16()} : AXAnswer<std::u16string>{AXFailure::absent};
+        return own ? AXAnswer<std::u16string>{own->utf16()}
+                   : AXAnswer<std::u16string>{AXFailure::absent};
     }
     if (!hasText()) {
         return AXFailure::absent;
@@ -228,7 +236,8 @@ AXAnswer<std::u16string> AtspiNode::value() {
 }
 
 std::optional<std::int64_t> AtspiNode::verifiedOffsetAt(ScreenPoint point) {
-    GRef<AtspiText> textIface = GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
+    GRef<AtspiText> textIface =
+        GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     const CodePointText* own = text();
     if (!textIface || !own || own->codePointCount() == 0) {
         return std::nullopt;
@@ -354,13 +363,14 @@ AXAnswer<UTF16Range> AtspiNode::selectedTextRange() {
     if (!m || m->kind == TextKind::secure) {
         return AXFailure::absent;
     }
-    GRef<AtspiText> textIface = GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
+    GRef<AtspiText> textIface =
+        GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     const CodePointText* own = textIface ? text() : nullptr;
     if (!own) {
         return AXFailure::absent;
     }
-    AXAnswer<gint> count = guard_->run(
-        [&](GError** e) { return atspi_text_get_n_selections(textIface.get(), e); });
+    AXAnswer<gint> count =
+        guard_->run([&](GError** e) { return atspi_text_get_n_selections(textIface.get(), e); });
     if (!count) {
         return count.failure();
     }
@@ -371,13 +381,15 @@ AXAnswer<UTF16Range> AtspiNode::selectedTextRange() {
         std::int64_t at = caret && *caret >= 0 ? own->utf16Offset(*caret) : 0;
         return UTF16Range{at, 0};
     }
-    AXAnswer<AtspiRange*> selection = guard_->run(
-        [&](GError** e) { return atspi_text_get_selection(textIface.get(), 0, e); });
+    AXAnswer<AtspiRange*> selection =
+        guard_->run([&](GError** e) { return atspi_text_get_selection(textIface.get(), 0, e); });
     if (!selection || !*selection) {
         return selection ? AXFailure::absent : selection.failure();
     }
-    std::int64_t start = own->utf16Offset(std::min((*selection)->start_offset, (*selection)->end_offset));
-    std::int64_t end = own->utf16Offset(std::max((*selection)->start_offset, (*selection)->end_offset));
+    std::int64_t start =
+        own->utf16Offset(std::min((*selection)->start_offset, (*selection)->end_offset));
+    std::int64_t end =
+        own->utf16Offset(std::max((*selection)->start_offset, (*selection)->end_offset));
     g_free(*selection);
     return UTF16Range{start, end - start};
 }
@@ -419,12 +431,14 @@ std::optional<std::int64_t> runOffsetAt(AtspiNode& owner, const TextRun& run, Sc
             continue;
         }
         if (!piece.link) {
-            return piece.runStart + own->utf16Offset(*codePoint) - own->utf16Offset(piece.ownerStart);
+            return piece.runStart + own->utf16Offset(*codePoint) -
+                   own->utf16Offset(piece.ownerStart);
         }
         std::optional<std::int64_t> inLink = piece.link->verifiedOffsetAt(point);
         const CodePointText* linkText = piece.link->text();
         std::int64_t within = inLink && linkText ? linkText->utf16Offset(*inLink) : 0;
-        return piece.runStart + std::clamp<std::int64_t>(within, 0, std::max<std::int64_t>(0, piece.runLength - 1));
+        return piece.runStart +
+               std::clamp<std::int64_t>(within, 0, std::max<std::int64_t>(0, piece.runLength - 1));
     }
     return std::nullopt;
 }

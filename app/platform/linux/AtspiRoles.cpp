@@ -116,7 +116,8 @@ MappedRole mapRole(AtspiRole role, bool multiLine, std::string_view xmlRoles) {
     std::size_t start = 0;
     while (!xmlRoles.empty() && start < xmlRoles.size()) {
         std::size_t end = xmlRoles.find(' ', start);
-        std::string_view name = xmlRoles.substr(start, end == std::string_view::npos ? end : end - start);
+        std::string_view name =
+            xmlRoles.substr(start, end == std::string_view::npos ? end : end - start);
         for (const auto& [xml, subrole] : xmlSubroles) {
             if (name == xml) {
                 mapped.subrole = std::string{subrole};

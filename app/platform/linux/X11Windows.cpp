@@ -2,7 +2,6 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
-
 #include <vector>
 
 namespace lectorbell::x11 {

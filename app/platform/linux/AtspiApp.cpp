@@ -10,6 +10,9 @@ namespace {
 constexpr std::size_t focusSearchNodes = 3000;
 
 bool hasState(AtspiNode& node, AtspiStateType state) {
+    if (!node.accessible()) {
+        return false;
+    }
     GRef<AtspiStateSet> states =
         GRef<AtspiStateSet>::adopt(atspi_accessible_get_state_set(node.accessible()));
     return states && atspi_state_set_contains(states.get(), state);
@@ -17,6 +20,9 @@ bool hasState(AtspiNode& node, AtspiStateType state) {
 
 // One Collection query, where the toolkit offers it, is far cheaper than a walk.
 std::shared_ptr<AtspiNode> focusedByCollection(AtspiNode& frame) {
+    if (!frame.accessible()) {
+        return nullptr;
+    }
     GRef<AtspiCollection> collection =
         GRef<AtspiCollection>::adopt(atspi_accessible_get_collection_iface(frame.accessible()));
     if (!collection) {

@@ -26,7 +26,41 @@ AtspiNode::AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard
     : accessible_(std::move(accessible))
     , guard_(std::move(guard)) {}
 
+AtspiNode::AtspiNode(std::shared_ptr<AtspiNode> parent, int index, std::shared_ptr<HangGuard> guard)
+    : pendingParent_(std::move(parent))
+    , index_(index)
+    , guard_(std::move(guard)) {}
+
+AtspiAccessible* AtspiNode::accessible() const {
+    if (pendingParent_) {
+        std::shared_ptr<AtspiNode> parent = std::move(pendingParent_);
+        pendingParent_.reset();
+        if (AtspiAccessible* owner = parent->accessible()) {
+            AXAnswer<AtspiAccessible*> child = guard_->run(
+                [&](GError** e) { return atspi_accessible_get_child_at_index(owner, *index_, e); });
+            if (child && *child) {
+                accessible_ = GRef<AtspiAccessible>::adopt(*child);
+            }
+        }
+    }
+    return accessible_.get();
+}
+
+std::optional<int> AtspiNode::indexInParent() {
+    if (!index_ && accessible()) {
+        AXAnswer<gint> index = guard_->run(
+            [&](GError** e) { return atspi_accessible_get_index_in_parent(accessible(), e); });
+        if (index && *index >= 0) {
+            index_ = *index;
+        }
+    }
+    return index_;
+}
+
 AXAnswer<AtspiRole> AtspiNode::atspiRole() {
+    if (!accessible()) {
+        return AXFailure::absent;
+    }
     return guard_->run([&](GError** e) { return atspi_accessible_get_role(accessible(), e); });
 }
 
@@ -65,6 +99,9 @@ AXAnswer<MappedRole> AtspiNode::mapped() {
 }
 
 std::optional<std::string> AtspiNode::objectAttribute(const char* name) {
+    if (!accessible()) {
+        return std::nullopt;
+    }
     AXAnswer<GHashTable*> table =
         guard_->run([&](GError** e) { return atspi_accessible_get_attributes(accessible(), e); });
     if (!table || !*table) {
@@ -99,6 +136,9 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
         return *children_;
     }
     children_.emplace();
+    if (!accessible()) {
+        return *children_;
+    }
     AXAnswer<gint> count =
         guard_->run([&](GError** e) { return atspi_accessible_get_child_count(accessible(), e); });
     if (!count || *count <= 0) {
@@ -106,13 +146,8 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
     }
     // Bounded: a broken application may claim absurd counts.
     gint limit = std::min<gint>(*count, 20000);
-    for (gint i = 0; i < limit && !guard_->timedOut(); ++i) {
-        AXAnswer<AtspiAccessible*> child = guard_->run(
-            [&](GError** e) { return atspi_accessible_get_child_at_index(accessible(), i, e); });
-        if (child && *child) {
-            children_->push_back(
-                std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*child), guard_));
-        }
+    for (gint i = 0; i < limit; ++i) {
+        children_->push_back(std::make_shared<AtspiNode>(shared_from_this(), i, guard_));
     }
     return *children_;
 }
@@ -146,6 +181,9 @@ AXAnswer<std::vector<ElementRef>> AtspiNode::children() {
 }
 
 AXAnswer<ElementRef> AtspiNode::parent() {
+    if (!accessible()) {
+        return AXFailure::absent;
+    }
     AXAnswer<AtspiAccessible*> parent =
         guard_->run([&](GError** e) { return atspi_accessible_get_parent(accessible(), e); });
     if (!parent) {
@@ -164,6 +202,9 @@ AXAnswer<ElementRef> AtspiNode::parent() {
 }
 
 AXAnswer<ScreenRect> AtspiNode::frame() {
+    if (!accessible()) {
+        return AXFailure::absent;
+    }
     GRef<AtspiComponent> component =
         GRef<AtspiComponent>::adopt(atspi_accessible_get_component_iface(accessible()));
     if (!component) {
@@ -179,6 +220,9 @@ AXAnswer<ScreenRect> AtspiNode::frame() {
 }
 
 AXAnswer<ScreenRect> AtspiNode::codePointExtents(std::int64_t start, std::int64_t end) {
+    if (!accessible()) {
+        return AXFailure::absent;
+    }
     GRef<AtspiText> textIface =
         GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     if (!textIface || end <= start) {
@@ -199,6 +243,9 @@ AXAnswer<ScreenRect> AtspiNode::codePointExtents(std::int64_t start, std::int64_
 }
 
 AXAnswer<ProcessID> AtspiNode::processID() {
+    if (!accessible()) {
+        return AXFailure::absent;
+    }
     AXAnswer<guint> pid =
         guard_->run([&](GError** e) { return atspi_accessible_get_process_id(accessible(), e); });
     if (!pid || *pid == 0) {
@@ -230,6 +277,28 @@ AXAnswer<ElementSnapshot> AtspiNode::snapshot() {
 bool AtspiNode::isSame(const AccessibilityElement& other) const {
     const auto* node = dynamic_cast<const AtspiNode*>(&other);
     if (!node) {
+        return false;
+    }
+    if (node == this) {
+        return true;
+    }
+    // A pending child is compared by its place, so a walk need not fetch its siblings.
+    std::shared_ptr<AtspiNode> pendingParent = pendingParent_;
+    if (pendingParent && node->pendingParent_) {
+        return *index_ == *node->index_ && pendingParent->isSame(*node->pendingParent_);
+    }
+    if (pendingParent || node->pendingParent_) {
+        const AtspiNode& pending = pendingParent ? *this : *node;
+        auto& fetched = const_cast<AtspiNode&>(pendingParent ? *node : *this);
+        std::optional<int> index = fetched.indexInParent();
+        if (!index || *index != *pending.index_) {
+            return false;
+        }
+        AXAnswer<ElementRef> parent = fetched.parent();
+        return parent && *parent && pending.pendingParent_ &&
+               pending.pendingParent_->isSame(**parent);
+    }
+    if (!accessible() || !node->accessible()) {
         return false;
     }
     if (node->accessible() == accessible()) {
@@ -273,6 +342,9 @@ std::set<std::string> AtspiNode::parameterizedNames() {
 }
 
 bool AtspiNode::hasText() {
+    if (!accessible()) {
+        return false;
+    }
     GRef<AtspiText> textIface =
         GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     return static_cast<bool>(textIface);
@@ -323,6 +395,9 @@ AXAnswer<std::vector<ElementRef>> AtspiNode::columnHeaders() {
 }
 
 AXAnswer<std::string> AtspiNode::url() {
+    if (!accessible()) {
+        return AXFailure::absent;
+    }
     GRef<AtspiDocument> document =
         GRef<AtspiDocument>::adopt(atspi_accessible_get_document_iface(accessible()));
     if (!document) {

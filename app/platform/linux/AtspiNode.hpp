@@ -40,8 +40,12 @@ class AtspiNode final : public AccessibilityElement,
                         public std::enable_shared_from_this<AtspiNode> {
 public:
     AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard> guard);
+    // A child fetched only when first used: listing a page's thousands of children costs one
+    // call each, and a budgeted walk looks at few of them.
+    AtspiNode(std::shared_ptr<AtspiNode> parent, int index, std::shared_ptr<HangGuard> guard);
 
-    AtspiAccessible* accessible() const { return accessible_.get(); }
+    // Null when the element is gone (or a pending child could not be fetched).
+    AtspiAccessible* accessible() const;
     const std::shared_ptr<HangGuard>& guard() const { return guard_; }
     // Role, subrole and how the node's text is treated; no value when the call failed.
     AXAnswer<MappedRole> mapped();
@@ -98,7 +102,12 @@ private:
     // The UTF-16 text and run of a static-text node: its whole content, links expanded.
     const TextRun* ownRun();
 
-    GRef<AtspiAccessible> accessible_;
+    std::optional<int> indexInParent();
+
+    mutable GRef<AtspiAccessible> accessible_;
+    // Set while the child has not been fetched yet.
+    mutable std::shared_ptr<AtspiNode> pendingParent_;
+    std::optional<int> index_;
     std::shared_ptr<HangGuard> guard_;
     std::optional<AXAnswer<MappedRole>> mapped_;
     std::optional<std::vector<std::shared_ptr<AtspiNode>>> children_;

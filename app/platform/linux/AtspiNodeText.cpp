@@ -115,7 +115,8 @@ std::vector<ContentItem> AtspiNode::content() {
     const CodePointText* own = hasText() ? text() : nullptr;
     const std::u16string* full = own ? &own->utf16() : nullptr;
     auto objects = full ? std::count(full->begin(), full->end(), objectReplacement) : 0;
-    if (!full || static_cast<std::size_t>(objects) != kids.size()) {
+    // Text made only of embedded objects holds no runs of its own: the children are all.
+    if (!full || static_cast<std::size_t>(objects) != kids.size() || isBlank(*full)) {
         // Children that do not match the text's embedded objects: take the children alone.
         if (full && kids.empty() && !isBlank(*full)) {
             TextRun run{
@@ -236,6 +237,9 @@ AXAnswer<std::u16string> AtspiNode::value() {
 }
 
 std::optional<std::int64_t> AtspiNode::verifiedOffsetAt(ScreenPoint point) {
+    if (!accessible()) {
+        return std::nullopt;
+    }
     GRef<AtspiText> textIface =
         GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     const CodePointText* own = text();

@@ -48,7 +48,7 @@ bool AtspiNode::insideWebContent() {
 
 AXAnswer<std::shared_ptr<AtspiNode>> AtspiNode::deepestAt(ScreenPoint point) {
     std::shared_ptr<AtspiNode> current = shared_from_this();
-    for (int level = 0; level < maxDescent; ++level) {
+    for (int level = 0; level < maxDescent && current->accessible(); ++level) {
         GRef<AtspiComponent> component = GRef<AtspiComponent>::adopt(
             atspi_accessible_get_component_iface(current->accessible()));
         if (!component) {

@@ -42,7 +42,9 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
                         false};
     atspi::AtspiDesktop desktop;
     AccessibilityExtractor extractor{desktop, ExtractorConfig{}, context};
-    if (options.selection) {
+    if (!desktop.isTrusted()) {
+        report.cursor.error = ReadingError{ReadingError::Kind::accessibilityPermissionNeeded};
+    } else if (options.selection) {
         std::optional<ProcessID> front = desktop.frontmostProcess();
         if (!front) {
             front = desktop.processAt(point);
@@ -50,8 +52,6 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
         report.pid = front;
         report.selection = extractor.observeSelection(front.value_or(0), point);
         report.decision = SelectionPolicy::decide(report.selection->observation);
-    } else if (!desktop.isTrusted()) {
-        report.cursor.error = ReadingError{ReadingError::Kind::accessibilityPermissionNeeded};
     } else if (std::optional<ProcessID> pid = desktop.processAt(point)) {
         report.pid = pid;
         report.cursor = extractor.extractAtCursor(*pid, point, std::nullopt, options.quick);

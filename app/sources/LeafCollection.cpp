@@ -40,7 +40,7 @@ void traceLeaf(const Leaf& leaf, const WalkContext& context) {
 
 void collect(const ElementRef& element, std::vector<Leaf>& leaves, WalkBudget& budget,
              CollectOptions options, const WalkContext& context) {
-    if (budget.exhausted) {
+    if (budget.exhausted || options.depth > maxCollectDepth) {
         return;
     }
     AXAnswer<ElementSnapshot> snapshot = element->snapshot();
@@ -77,6 +77,7 @@ void collect(const ElementRef& element, std::vector<Leaf>& leaves, WalkBudget& b
     }
     CollectOptions childOptions = options;
     childOptions.isRoot = false;
+    childOptions.depth = options.depth + 1;
     childOptions.inHeading = options.inHeading || role == "AXHeading";
     for (const ElementRef& child : snapshot->children) {
         collect(child, leaves, budget, childOptions, context);

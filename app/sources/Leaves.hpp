@@ -25,7 +25,11 @@ struct CollectOptions {
     bool isRoot = false;
     // The forward walk leaves navigation, banners and the like out; the probe does not.
     bool skipLandmarks = false;
+    // Nesting below the walk's start: absurdly deep (or cyclic) trees are cut off here.
+    int depth = 0;
 };
+
+inline constexpr int maxCollectDepth = 256;
 
 namespace LeafWalk {
 

@@ -120,8 +120,12 @@ AccessibilityExtractor::readLeaves(const ElementRef& hit, const std::vector<Elem
     std::vector<Leaf> following;
     LeafWalk::forwardWalk(pointed->element, root, following, walk, context_);
 
-    std::vector<Leaf> fromAnchor{*pointed};
-    fromAnchor.front().text = UTF16Text::suffix(pointed->text, anchor.utf16Offset);
+    std::vector<Leaf> fromAnchor;
+    if (std::u16string rest = UTF16Text::suffix(pointed->text, anchor.utf16Offset);
+        !TextSpace::isBlank(rest)) {
+        fromAnchor.push_back(*pointed);
+        fromAnchor.front().text = std::move(rest);
+    }
     fromAnchor.insert(fromAnchor.end(), following.begin(), following.end());
     std::vector<Leaf> fromLeafStart{*pointed};
     fromLeafStart.insert(fromLeafStart.end(), following.begin(), following.end());

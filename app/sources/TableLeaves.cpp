@@ -37,9 +37,8 @@ ElementRef tableOf(const ElementRef& rowOrTable) {
 
 TableRow trimmed(const TableRow& row) {
     // The same trimming infer applies, so rows can be matched before and after it.
-    return TableModel::infer({row}, std::nullopt).rows.empty()
-               ? TableRow{}
-               : TableModel::infer({row}, std::nullopt).rows.front();
+    TableModel single = TableModel::infer({row}, std::nullopt);
+    return single.rows.empty() ? TableRow{} : single.rows.front();
 }
 
 } // namespace

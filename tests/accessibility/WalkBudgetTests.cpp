@@ -84,5 +84,22 @@ TEST(WalkBudget, anApplicationThatStopsAnsweringEndsTheLookupAsNotResponding) {
     EXPECT_EQ(outcome.error->userMessage(), "The app didn't respond in time \u2014 try again");
 }
 
+TEST(WalkBudget, absurdlyDeepTreesAreCutWithoutHarm) {
+    // 400 nested groups under the article, with text at the bottom, after the pointed leaf.
+    json deep = {
+        {"role", "AXStaticText"}, {"value", "Buried text."}, {"frame", {10, 300, 120, 20}}};
+    for (int level = 0; level < 400; ++level) {
+        deep = {{"role", "AXGroup"}, {"frame", {0, 300, 900, 20}}, {"children", {deep}}};
+    }
+    json page = longPage(1, "ab");
+    page["root"]["children"][0]["children"][0]["children"][0]["children"].push_back(deep);
+    ExtractorHarness probe{std::make_unique<FixtureTree>(page)};
+    CursorOutcome outcome = probe.at(7, {20, 110});
+    ASSERT_TRUE(outcome.result);
+    for (const ReadingBlock& block : outcome.result->blocks) {
+        EXPECT_NE(toUtf8(block.text), "Buried text.");
+    }
+}
+
 } // namespace
 } // namespace lectorbell::testing

@@ -12,7 +12,8 @@ AXAnswer<ScreenRect> rectFrom(AtspiRect* rect) {
     }
     ScreenRect result{static_cast<double>(rect->x), static_cast<double>(rect->y),
                       static_cast<double>(rect->width), static_cast<double>(rect->height)};
-    bool valid = rect->width > 0 && rect->height > 0;
+    // An empty box is a box (a hidden element); a negative one is the toolkit saying "unknown".
+    bool valid = rect->width >= 0 && rect->height >= 0;
     g_free(rect);
     if (!valid) {
         return AXFailure::absent;
@@ -26,21 +27,20 @@ AtspiNode::AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard
     : accessible_(std::move(accessible))
     , guard_(std::move(guard)) {}
 
-AtspiNode::AtspiNode(std::shared_ptr<AtspiNode> parent, int index, std::shared_ptr<HangGuard> guard)
-    : pendingParent_(std::move(parent))
+AtspiNode::AtspiNode(GRef<AtspiAccessible> owner, int index, std::shared_ptr<HangGuard> guard)
+    : pendingOwner_(std::move(owner))
     , index_(index)
     , guard_(std::move(guard)) {}
 
 AtspiAccessible* AtspiNode::accessible() const {
-    if (pendingParent_) {
-        std::shared_ptr<AtspiNode> parent = std::move(pendingParent_);
-        pendingParent_.reset();
-        if (AtspiAccessible* owner = parent->accessible()) {
-            AXAnswer<AtspiAccessible*> child = guard_->run(
-                [&](GError** e) { return atspi_accessible_get_child_at_index(owner, *index_, e); });
-            if (child && *child) {
-                accessible_ = GRef<AtspiAccessible>::adopt(*child);
-            }
+    if (pendingOwner_) {
+        GRef<AtspiAccessible> owner = std::move(pendingOwner_);
+        pendingOwner_ = GRef<AtspiAccessible>{};
+        AXAnswer<AtspiAccessible*> child = guard_->run([&](GError** e) {
+            return atspi_accessible_get_child_at_index(owner.get(), *index_, e);
+        });
+        if (child && *child) {
+            accessible_ = GRef<AtspiAccessible>::adopt(*child);
         }
     }
     return accessible_.get();
@@ -147,7 +147,8 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
     // Bounded: a broken application may claim absurd counts.
     gint limit = std::min<gint>(*count, 20000);
     for (gint i = 0; i < limit; ++i) {
-        children_->push_back(std::make_shared<AtspiNode>(shared_from_this(), i, guard_));
+        children_->push_back(
+            std::make_shared<AtspiNode>(GRef<AtspiAccessible>::retain(accessible()), i, guard_));
     }
     return *children_;
 }
@@ -274,6 +275,23 @@ AXAnswer<ElementSnapshot> AtspiNode::snapshot() {
     return snap;
 }
 
+namespace {
+
+bool sameAccessible(AtspiAccessible* a, AtspiAccessible* b) {
+    if (a == b) {
+        return true;
+    }
+    if (!a || !b) {
+        return false;
+    }
+    // The library usually hands out one object per remote element; compare addresses anyway.
+    const AtspiObject* x = &a->parent;
+    const AtspiObject* y = &b->parent;
+    return x->app == y->app && x->path && y->path && std::strcmp(x->path, y->path) == 0;
+}
+
+} // namespace
+
 bool AtspiNode::isSame(const AccessibilityElement& other) const {
     const auto* node = dynamic_cast<const AtspiNode*>(&other);
     if (!node) {
@@ -283,31 +301,22 @@ bool AtspiNode::isSame(const AccessibilityElement& other) const {
         return true;
     }
     // A pending child is compared by its place, so a walk need not fetch its siblings.
-    std::shared_ptr<AtspiNode> pendingParent = pendingParent_;
-    if (pendingParent && node->pendingParent_) {
-        return *index_ == *node->index_ && pendingParent->isSame(*node->pendingParent_);
+    if (pendingOwner_ && node->pendingOwner_) {
+        return *index_ == *node->index_ &&
+               sameAccessible(pendingOwner_.get(), node->pendingOwner_.get());
     }
-    if (pendingParent || node->pendingParent_) {
-        const AtspiNode& pending = pendingParent ? *this : *node;
-        auto& fetched = const_cast<AtspiNode&>(pendingParent ? *node : *this);
+    if (pendingOwner_ || node->pendingOwner_) {
+        const AtspiNode& pending = pendingOwner_ ? *this : *node;
+        auto& fetched = const_cast<AtspiNode&>(pendingOwner_ ? *node : *this);
         std::optional<int> index = fetched.indexInParent();
         if (!index || *index != *pending.index_) {
             return false;
         }
         AXAnswer<ElementRef> parent = fetched.parent();
-        return parent && *parent && pending.pendingParent_ &&
-               pending.pendingParent_->isSame(**parent);
+        auto* parentNode = parent ? dynamic_cast<AtspiNode*>(parent->get()) : nullptr;
+        return parentNode && sameAccessible(parentNode->accessible(), pending.pendingOwner_.get());
     }
-    if (!accessible() || !node->accessible()) {
-        return false;
-    }
-    if (node->accessible() == accessible()) {
-        return true;
-    }
-    // The library usually hands out one object per remote element; compare addresses anyway.
-    const AtspiObject* a = &accessible()->parent;
-    const AtspiObject* b = &node->accessible()->parent;
-    return a->app == b->app && a->path && b->path && std::strcmp(a->path, b->path) == 0;
+    return sameAccessible(accessible(), node->accessible());
 }
 
 std::set<std::string> AtspiNode::attributeNames() {

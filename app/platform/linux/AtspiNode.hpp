@@ -42,7 +42,7 @@ public:
     AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard> guard);
     // A child fetched only when first used: listing a page's thousands of children costs one
     // call each, and a budgeted walk looks at few of them.
-    AtspiNode(std::shared_ptr<AtspiNode> parent, int index, std::shared_ptr<HangGuard> guard);
+    AtspiNode(GRef<AtspiAccessible> owner, int index, std::shared_ptr<HangGuard> guard);
 
     // Null when the element is gone (or a pending child could not be fetched).
     AtspiAccessible* accessible() const;
@@ -105,8 +105,9 @@ private:
     std::optional<int> indexInParent();
 
     mutable GRef<AtspiAccessible> accessible_;
-    // Set while the child has not been fetched yet.
-    mutable std::shared_ptr<AtspiNode> pendingParent_;
+    // The parent, while the child has not been fetched yet (a library object, so no cycle
+    // through the parent's list of children).
+    mutable GRef<AtspiAccessible> pendingOwner_;
     std::optional<int> index_;
     std::shared_ptr<HangGuard> guard_;
     std::optional<AXAnswer<MappedRole>> mapped_;

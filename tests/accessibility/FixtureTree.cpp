@@ -423,7 +423,10 @@ public:
             std::make_shared<FixtureElement>(tree_->byId_.at(*tree_->focused_), tree_)};
     }
     bool hasTimedOut() const override { return tree_->timedOut_; }
-    bool requestManualAccessibility() override { return true; }
+    bool requestManualAccessibility() override {
+        ++tree_->manualRequests_;
+        return true;
+    }
 
 private:
     static std::shared_ptr<Node> deepest(const std::shared_ptr<Node>& node, ScreenPoint point) {

@@ -35,6 +35,8 @@ public:
     int secureReads() const { return secureReads_; }
     // Calls made into the tree.
     int calls() const { return calls_; }
+    // Requests to build the tree on demand (the manual-accessibility switch).
+    int manualRequests() const { return manualRequests_; }
 
     bool trusted = true;
 
@@ -54,6 +56,7 @@ private:
     std::chrono::steady_clock::time_point clock_{};
     int secureReads_ = 0;
     int calls_ = 0;
+    int manualRequests_ = 0;
     bool timedOut_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "ExtractorHarness.hpp"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace lectorbell::testing {
@@ -128,6 +129,25 @@ TEST(TextAtPointer, accessibilityOffOrNoApplicationGiveTheRightAnswer) {
     EXPECT_FALSE(miss.result);
     EXPECT_TRUE(outside.traced("hit-test AXError -25212"));
     EXPECT_TRUE(outside.traced("cursor: hit-test failed"));
+}
+
+TEST(TextAtPointer, chromiumFamilyAppIsAskedOnceToBuildItsTree) {
+    std::filesystem::path bundle =
+        std::filesystem::temp_directory_path() / "lectorbell-Electron.app";
+    std::filesystem::create_directories(bundle /
+                                        "Contents/Frameworks/Electron Framework.framework");
+    ExtractorHarness probe{FixtureTree::fromFile("web_page.json")};
+    auto started = std::chrono::steady_clock::now();
+    probe.extractor.extractAtCursor(100, {300, 160}, bundle, false);
+    auto firstTook = std::chrono::steady_clock::now() - started;
+    probe.extractor.extractAtCursor(100, {300, 160}, bundle, false);
+    EXPECT_EQ(probe.tree->manualRequests(), 1);
+    EXPECT_GE(firstTook, std::chrono::milliseconds{300});
+
+    ExtractorHarness plain{FixtureTree::fromFile("web_page.json")};
+    plain.extractor.extractAtCursor(100, {300, 160}, bundle.parent_path(), false);
+    EXPECT_EQ(plain.tree->manualRequests(), 0);
+    std::filesystem::remove_all(bundle);
 }
 
 } // namespace

@@ -84,7 +84,8 @@ AXAnswer<MappedRole> AtspiNode::mapped() {
         xmlRoles = objectAttribute("xml-roles").value_or("");
     }
     MappedRole result = mapRole(*role, multiLine, xmlRoles);
-    if (result.kind == TextKind::staticText) {
+    // Static text runs never hold children; paragraphs and labels may.
+    if (result.kind == TextKind::staticText && *role != ATSPI_ROLE_STATIC) {
         // A paragraph or label whose text runs are its own children (as Chromium exposes them)
         // is a group of those runs, not one run itself.
         AXAnswer<gint> count = guard_->run(

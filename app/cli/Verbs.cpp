@@ -10,6 +10,7 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addReadVerb(app, outcome);
     addVoicesVerb(app, outcome);
     addPaceVerb(app, outcome);
+    addProbeVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

@@ -19,5 +19,6 @@ void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
 void addReadVerb(CLI::App& app, VerbOutcome& outcome);
 void addVoicesVerb(CLI::App& app, VerbOutcome& outcome);
 void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
+void addProbeVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

@@ -6,6 +6,7 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addChunksVerb(app, outcome);
     addSentencesVerb(app, outcome);
     addGestureVerb(app, outcome);
+    addOcrVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

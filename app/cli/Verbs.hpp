@@ -15,5 +15,6 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome);
 void addChunksVerb(CLI::App& app, VerbOutcome& outcome);
 void addSentencesVerb(CLI::App& app, VerbOutcome& outcome);
 void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
+void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

@@ -6,7 +6,7 @@
 #include <string>
 #include <variant>
 
-namespace lectorbell {
+namespace lectorbell::platform {
 
 // Why a capture gave no image.
 struct CaptureFailure {
@@ -33,4 +33,4 @@ public:
     virtual CaptureResult capture(const ScreenRect& region) = 0;
 };
 
-} // namespace lectorbell
+} // namespace lectorbell::platform

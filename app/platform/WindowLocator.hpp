@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace lectorbell {
+namespace lectorbell::platform {
 
 // The window to capture.
 struct TargetWindow {
@@ -26,4 +26,4 @@ public:
     virtual std::optional<TargetWindow> window(ScreenPoint point) = 0;
 };
 
-} // namespace lectorbell
+} // namespace lectorbell::platform

@@ -3,7 +3,7 @@
 #include <X11/Xatom.h>
 #include <atomic>
 
-namespace lectorbell::x11 {
+namespace lectorbell::platform::x11 {
 
 namespace {
 
@@ -98,4 +98,4 @@ std::vector<unsigned long> Connection::cardinals(::Display* display, ::Window wi
     return values;
 }
 
-} // namespace lectorbell::x11
+} // namespace lectorbell::platform::x11

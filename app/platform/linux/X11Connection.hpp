@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace lectorbell::x11 {
+namespace lectorbell::platform::x11 {
 
 class Connection {
 public:
@@ -49,4 +49,4 @@ private:
     std::mutex mutex_;
 };
 
-} // namespace lectorbell::x11
+} // namespace lectorbell::platform::x11

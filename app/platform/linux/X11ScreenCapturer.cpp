@@ -12,7 +12,7 @@
 #include <sys/shm.h>
 #include <utility>
 
-namespace lectorbell {
+namespace lectorbell::platform {
 
 namespace {
 
@@ -171,4 +171,4 @@ CaptureResult X11ScreenCapturer::capture(const ScreenRect& region) {
     return buffer;
 }
 
-} // namespace lectorbell
+} // namespace lectorbell::platform

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace lectorbell {
+namespace lectorbell::platform {
 
 namespace {
 
@@ -104,4 +104,4 @@ std::optional<TargetWindow> X11WindowLocator::window(ScreenPoint point) {
     return std::nullopt;
 }
 
-} // namespace lectorbell
+} // namespace lectorbell::platform

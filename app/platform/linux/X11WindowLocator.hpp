@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace lectorbell {
+namespace lectorbell::platform {
 
 namespace x11 {
 class Connection;
@@ -21,4 +21,4 @@ private:
     std::shared_ptr<x11::Connection> connection_;
 };
 
-} // namespace lectorbell
+} // namespace lectorbell::platform

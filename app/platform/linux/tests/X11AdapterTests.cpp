@@ -14,14 +14,14 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace lectorbell {
+namespace lectorbell::platform {
 namespace {
 
 // A window drawn with a known pattern, on a private X server.
 class X11Adapters : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        server = testing::XvfbServer::start(1280, 800).release();
+        server = lectorbell::testing::XvfbServer::start(1280, 800).release();
         if (server != nullptr) {
             display = XOpenDisplay(nullptr);
         }
@@ -94,7 +94,7 @@ protected:
         return static_cast<std::uint32_t>(p[0] << 16 | p[1] << 8 | p[2]);
     }
 
-    static inline testing::XvfbServer* server = nullptr;
+    static inline lectorbell::testing::XvfbServer* server = nullptr;
     static inline ::Display* display = nullptr;
     std::shared_ptr<x11::Connection> connection;
     std::vector<::Window> windows;
@@ -202,4 +202,4 @@ TEST(X11AdaptersWithoutDisplay, ReportNoScreenAccess) {
 }
 
 } // namespace
-} // namespace lectorbell
+} // namespace lectorbell::platform

@@ -12,8 +12,11 @@ struct TargetWindow {
     std::uint32_t windowID = 0;
     // The owner's process id; 0 when the window does not say.
     std::int32_t pid = 0;
-    // Bounds in global screen points.
+    // Bounds in global screen points, the window manager's frame included.
     ScreenRect frame;
+    // Where the title bar drawn by the window manager ends, when there is one: text above it is
+    // not the window's content.
+    std::optional<double> titleBarBottom;
 
     friend bool operator==(const TargetWindow&, const TargetWindow&) = default;
 };

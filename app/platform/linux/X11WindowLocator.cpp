@@ -35,9 +35,14 @@ std::vector<::Window> windowsFrontToBack(x11::Connection::Session& session) {
     return windows;
 }
 
+struct Placement {
+    ScreenRect frame;
+    std::optional<double> titleBarBottom;
+};
+
 // The window's bounds on screen, with the window manager's frame around it when it says.
-std::optional<ScreenRect> frameOf(x11::Connection::Session& session, ::Window window,
-                                  const XWindowAttributes& attributes) {
+std::optional<Placement> placementOf(x11::Connection::Session& session, ::Window window,
+                                     const XWindowAttributes& attributes) {
     int x = 0;
     int y = 0;
     ::Window child = 0;
@@ -57,8 +62,13 @@ std::optional<ScreenRect> frameOf(x11::Connection::Session& session, ::Window wi
         top = static_cast<double>(extents[2]);
         bottom = static_cast<double>(extents[3]);
     }
-    return ScreenRect{x - left, y - top, attributes.width + left + right,
-                      attributes.height + top + bottom};
+    Placement placement{ScreenRect{x - left, y - top, attributes.width + left + right,
+                                   attributes.height + top + bottom},
+                        std::nullopt};
+    if (top > 0) {
+        placement.titleBarBottom = static_cast<double>(y);
+    }
+    return placement;
 }
 
 bool isFullyTransparent(x11::Connection::Session& session, ::Window window) {
@@ -90,15 +100,17 @@ std::optional<TargetWindow> X11WindowLocator::window(ScreenPoint point) {
             attributes.map_state != IsViewable || attributes.c_class != InputOutput) {
             continue;
         }
-        std::optional<ScreenRect> frame = frameOf(session, window, attributes);
-        if (!frame || !frame->contains(point) || isFullyTransparent(session, window)) {
+        std::optional<Placement> placement = placementOf(session, window, attributes);
+        if (!placement || !placement->frame.contains(point) ||
+            isFullyTransparent(session, window)) {
             continue;
         }
         std::vector<unsigned long> pid =
             x11::Connection::cardinals(session.display(), window, "_NET_WM_PID");
         session.syncAndTakeError();
         return TargetWindow{static_cast<std::uint32_t>(window),
-                            pid.empty() ? 0 : static_cast<std::int32_t>(pid[0]), *frame};
+                            pid.empty() ? 0 : static_cast<std::int32_t>(pid[0]), placement->frame,
+                            placement->titleBarBottom};
     }
     session.syncAndTakeError();
     return std::nullopt;

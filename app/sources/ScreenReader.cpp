@@ -12,7 +12,7 @@ namespace lectorbell::sources {
 namespace {
 
 // How far a band edge may move to reach a gap between lines.
-constexpr double edgeReach = 40;
+constexpr double edgeReach = 30;
 
 std::int64_t since(std::uint64_t start) {
     return static_cast<std::int64_t>((monotonicUptimeNanoseconds() - start) / 1'000'000);

@@ -34,8 +34,8 @@ public:
 
     // Points above and below the pointer that the band spans before its edges are moved to the
     // gaps between lines.
-    static constexpr double bandAbove = 60;
-    static constexpr double bandBelow = 140;
+    static constexpr double bandAbove = 40;
+    static constexpr double bandBelow = 100;
 
     std::variant<BandReading, ReadingError> readBand(const platform::TargetWindow& window,
                                                      ScreenPoint pointer);

@@ -5,7 +5,11 @@ namespace lectorbell::cli {
 void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addChunksVerb(app, outcome);
     addSentencesVerb(app, outcome);
+    addShapeVerb(app, outcome);
     addGestureVerb(app, outcome);
+    addReadVerb(app, outcome);
+    addVoicesVerb(app, outcome);
+    addPaceVerb(app, outcome);
     addOcrVerb(app, outcome);
 }
 

@@ -1,9 +1,11 @@
 #include "cli/Verbs.hpp"
+#include "platform/linux/OpenMPEnvironment.hpp"
 
 #include <CLI/CLI.hpp>
 #include <iostream>
 
 int main(int argc, char** argv) {
+    lectorbell::platform::ensureOpenMPThreadLimit(argv);
     CLI::App app{"Lectorbell reads aloud the text under the mouse pointer while a key is held.\n"
                  "With no verb it starts the tray application; verbs run one stage on its own.",
                  "lectorbell"};

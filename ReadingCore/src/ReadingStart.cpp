@@ -106,16 +106,66 @@ ConfidenceCategory confidenceOf(const std::vector<Placed>& placed, std::size_t f
     return mean >= 0.6 ? ConfidenceCategory::medium : ConfidenceCategory::low;
 }
 
-} // namespace
-
-ReadOutcome read(const std::vector<OCRLine>& lines, ScreenPoint pointer, const Config& config) {
-    const std::vector<Block> blocks = layout(lines, config);
+std::vector<Placed> placedParagraphs(const std::vector<Block>& blocks) {
     std::vector<Placed> placed;
     for (std::size_t b = 0; b < blocks.size(); ++b) {
         for (const Paragraph& paragraph : blocks[b].paragraphs) {
             placed.push_back({&paragraph, b, blocks[b].sideColumn});
         }
     }
+    return placed;
+}
+
+// The paragraphs from `start` on, side columns other than the start's left out when asked;
+// the start paragraph from `offset`.
+OCRReadingResult resultFrom(const std::vector<Placed>& placed, std::size_t start,
+                            std::int64_t offset, const Config& config) {
+    OCRReadingResult result;
+    result.confidence = confidenceOf(placed, start);
+    const std::optional<std::int64_t> startSide = placed[start].sideColumn;
+    for (std::size_t p = start; p < placed.size(); ++p) {
+        const Paragraph& paragraph = *placed[p].paragraph;
+        if (config.skipSidebars && placed[p].sideColumn && placed[p].sideColumn != startSide) {
+            continue;
+        }
+        std::u16string text =
+            p == start ? UTF16Text::suffix(paragraph.text, offset) : paragraph.text;
+        if (text.empty()) {
+            continue;
+        }
+        result.blocks.push_back({Uuid::random(), std::move(text), paragraph.role, paragraph.rect,
+                                 static_cast<std::int64_t>(p)});
+    }
+    return result;
+}
+
+} // namespace
+
+ReadOutcome readAll(const std::vector<OCRLine>& lines, const Config& config) {
+    const std::vector<Block> blocks = layout(lines, config);
+    const std::vector<Placed> placed = placedParagraphs(blocks);
+    // The first paragraph of the main text; a page of side columns only starts at its top.
+    std::size_t start = 0;
+    while (start < placed.size() && config.skipSidebars && placed[start].sideColumn) {
+        ++start;
+    }
+    if (start == placed.size()) {
+        start = 0;
+    }
+    OCRReadingResult result;
+    if (!placed.empty()) {
+        result = resultFrom(placed, start, 0, config);
+    }
+    if (result.blocks.empty()) {
+        return ReadingError{ReadingError::Kind::ocrFoundNothing};
+    }
+    result.precision = AnchorPrecision::element;
+    return result;
+}
+
+ReadOutcome read(const std::vector<OCRLine>& lines, ScreenPoint pointer, const Config& config) {
+    const std::vector<Block> blocks = layout(lines, config);
+    const std::vector<Placed> placed = placedParagraphs(blocks);
     if (placed.empty() || !std::isfinite(pointer.x) || !std::isfinite(pointer.y)) {
         return ReadingError{placed.empty() ? ReadingError::Kind::ocrFoundNothing
                                            : ReadingError::Kind::noReadableTextNearCursor};
@@ -144,25 +194,8 @@ ReadOutcome read(const std::vector<OCRLine>& lines, ScreenPoint pointer, const C
     ResolvedAnchor anchor =
         AnchorResolver::resolve(first.text, pointed.utf16Offset, pointed.precision);
 
-    OCRReadingResult result;
+    OCRReadingResult result = resultFrom(placed, startIndex, anchor.utf16Offset, config);
     result.precision = anchor.precision;
-    result.confidence = confidenceOf(placed, startIndex);
-    const std::optional<std::int64_t> startSide = placed[startIndex].sideColumn;
-    for (std::size_t p = startIndex; p < placed.size(); ++p) {
-        const Paragraph& paragraph = *placed[p].paragraph;
-        // Side columns are skipped, except the one reading starts in.
-        if (config.skipSidebars && placed[p].sideColumn && placed[p].sideColumn != startSide) {
-            continue;
-        }
-        std::u16string text = p == startIndex
-                                  ? UTF16Text::suffix(paragraph.text, anchor.utf16Offset)
-                                  : paragraph.text;
-        if (text.empty()) {
-            continue;
-        }
-        result.blocks.push_back({Uuid::random(), std::move(text), paragraph.role, paragraph.rect,
-                                 static_cast<std::int64_t>(p)});
-    }
     if (result.blocks.empty()) {
         return ReadingError{ReadingError::Kind::ocrFoundNothing};
     }

@@ -11,6 +11,7 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addVoicesVerb(app, outcome);
     addPaceVerb(app, outcome);
     addProbeVerb(app, outcome);
+    addOcrVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

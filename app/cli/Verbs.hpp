@@ -20,5 +20,6 @@ void addReadVerb(CLI::App& app, VerbOutcome& outcome);
 void addVoicesVerb(CLI::App& app, VerbOutcome& outcome);
 void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
 void addProbeVerb(CLI::App& app, VerbOutcome& outcome);
+void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

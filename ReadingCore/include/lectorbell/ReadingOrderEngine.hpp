@@ -82,6 +82,8 @@ struct Candidate {
 using ReadOutcome = std::variant<OCRReadingResult, ReadingError>;
 
 ReadOutcome read(const std::vector<OCRLine>& lines, ScreenPoint pointer, const Config& config = {});
+// The whole page from its first paragraph, as when no pointer is given: element precision.
+ReadOutcome readAll(const std::vector<OCRLine>& lines, const Config& config = {});
 std::vector<Block> layout(const std::vector<OCRLine>& lines, const Config& config = {});
 std::vector<ReadingBlock> orderedBlocks(const std::vector<OCRLine>& lines,
                                         const Config& config = {});

@@ -1,0 +1,121 @@
+#include "sources/ScreenReader.hpp"
+
+#include "lectorbell/CoreLog.hpp"
+#include "lectorbell/Diagnostics.hpp"
+#include "lectorbell/ScreenBands.hpp"
+
+#include <string>
+#include <utility>
+
+namespace lectorbell::sources {
+
+namespace {
+
+// How far a band edge may move to reach a gap between lines.
+constexpr double edgeReach = 30;
+
+std::int64_t since(std::uint64_t start) {
+    return static_cast<std::int64_t>((monotonicUptimeNanoseconds() - start) / 1'000'000);
+}
+
+} // namespace
+
+std::variant<std::vector<OCRLine>, ReadingError>
+ScreenReader::linesOf(std::shared_ptr<const PixelBuffer> image, bool fast,
+                      std::optional<double> titleBarBottom) {
+    ScreenOutcome outcome = ocr_.recognizeText(std::move(image), fast, false).get();
+    if (auto* error = std::get_if<ReadingError>(&outcome)) {
+        return *error;
+    }
+    // Title bar and window controls are not part of what the person reads.
+    return ReadingOrderEngine::removingInterfaceText(std::get<ScreenRecognition>(outcome).lines, {},
+                                                     titleBarBottom);
+}
+
+std::variant<BandReading, ReadingError> ScreenReader::readBand(const platform::TargetWindow& window,
+                                                               ScreenPoint pointer) {
+    BandReading reading;
+    reading.titleBarBottom = window.titleBarBottom;
+    std::uint64_t start = monotonicUptimeNanoseconds();
+    std::variant<PixelBuffer, ReadingError> captured = ocr_.capture(window, std::nullopt);
+    if (auto* error = std::get_if<ReadingError>(&captured)) {
+        return *error;
+    }
+    reading.image = std::make_shared<const PixelBuffer>(std::move(std::get<PixelBuffer>(captured)));
+    reading.captureMS = since(start);
+    const PixelBuffer& image = *reading.image;
+
+    ScreenRect nominal{image.area.minX(), pointer.y - bandAbove, image.area.width(),
+                       bandAbove + bandBelow};
+    reading.band = ScreenBands::snapToLineGaps(image, nominal, edgeReach);
+    std::optional<PixelBuffer> bandImage = ScreenBands::cropped(image, reading.band);
+
+    start = monotonicUptimeNanoseconds();
+    std::vector<OCRLine> lines;
+    if (bandImage) {
+        auto band = linesOf(std::make_shared<const PixelBuffer>(std::move(*bandImage)), true,
+                            reading.titleBarBottom);
+        if (auto* error = std::get_if<ReadingError>(&band)) {
+            return *error;
+        }
+        lines = std::move(std::get<std::vector<OCRLine>>(band));
+    }
+    reading.bandMS = since(start);
+
+    start = monotonicUptimeNanoseconds();
+    if (!lines.empty() && ReadingOrderEngine::isSingleColumn(lines)) {
+        ReadingOrderEngine::ReadOutcome outcome = ReadingOrderEngine::read(lines, pointer);
+        if (auto* result = std::get_if<OCRReadingResult>(&outcome)) {
+            reading.result = std::move(*result);
+            reading.layoutMS = since(start);
+            return reading;
+        }
+    }
+    // Columns, or nothing readable at the pointer within the band: read the whole window at once.
+    coreLog("ocr", "ocr: band not readable alone; reading the whole window");
+    reading.wholeWindow = true;
+    reading.band = image.area;
+    auto all = linesOf(reading.image, false, reading.titleBarBottom);
+    if (auto* error = std::get_if<ReadingError>(&all)) {
+        return *error;
+    }
+    ReadingOrderEngine::ReadOutcome outcome =
+        ReadingOrderEngine::read(std::get<std::vector<OCRLine>>(all), pointer);
+    reading.layoutMS = since(start);
+    if (auto* error = std::get_if<ReadingError>(&outcome)) {
+        return *error;
+    }
+    reading.result = std::move(std::get<OCRReadingResult>(outcome));
+    return reading;
+}
+
+std::variant<std::vector<ReadingBlock>, ReadingError>
+ScreenReader::readRest(const BandReading& band) {
+    if (band.wholeWindow || !band.image) {
+        return std::vector<ReadingBlock>{};
+    }
+    const ScreenRect& area = band.image->area;
+    ScreenRect below{area.minX(), band.band.maxY(), area.width(), area.maxY() - band.band.maxY()};
+    std::optional<PixelBuffer> rest = ScreenBands::cropped(*band.image, below);
+    if (!rest) {
+        return std::vector<ReadingBlock>{};
+    }
+    auto lines =
+        linesOf(std::make_shared<const PixelBuffer>(std::move(*rest)), false, band.titleBarBottom);
+    if (auto* error = std::get_if<ReadingError>(&lines)) {
+        return *error;
+    }
+    // Only what lies below the band is new; a line that straddles its edge was read with it.
+    std::vector<OCRLine> added;
+    for (OCRLine& line : std::get<std::vector<OCRLine>>(lines)) {
+        if (line.rect.midY() >= band.band.maxY()) {
+            added.push_back(std::move(line));
+        }
+    }
+    std::vector<ReadingBlock> blocks = ReadingOrderEngine::orderedBlocks(added);
+    coreLog("ocr",
+            "ocr: appended " + std::to_string(blocks.size()) + " more blocks below the first band");
+    return blocks;
+}
+
+} // namespace lectorbell::sources

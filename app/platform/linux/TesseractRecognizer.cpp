@@ -24,7 +24,8 @@ struct TextDeleter {
 using TesseractText = std::unique_ptr<char[], TextDeleter>;
 
 PixPtr pixOf(const PixelBuffer& image) {
-    PixPtr pix{pixCreate(static_cast<l_int32>(image.width), static_cast<l_int32>(image.height), 32)};
+    PixPtr pix{
+        pixCreate(static_cast<l_int32>(image.width), static_cast<l_int32>(image.height), 32)};
     if (!pix) {
         return nullptr;
     }
@@ -33,7 +34,8 @@ PixPtr pixOf(const PixelBuffer& image) {
     for (std::int64_t y = 0; y < image.height; ++y) {
         l_uint32* row = data + y * wpl;
         for (std::int64_t x = 0; x < image.width; ++x) {
-            const std::uint8_t* p = &image.bytes[static_cast<std::size_t>((y * image.width + x) * 4)];
+            const std::uint8_t* p =
+                &image.bytes[static_cast<std::size_t>((y * image.width + x) * 4)];
             composeRGBPixel(p[0], p[1], p[2], &row[x]);
         }
     }
@@ -65,8 +67,10 @@ std::vector<OCRLine> linesOf(tesseract::TessBaseAPI& api, const PixelBuffer& ima
         int left = 0, top = 0, right = 0, bottom = 0;
         if (it->IsAtBeginningOf(RIL_TEXTLINE) || line == nullptr) {
             it->BoundingBox(RIL_TEXTLINE, &left, &top, &right, &bottom);
-            lines.push_back({u"", screenRect(left, top, right, bottom, image),
-                             it->Confidence(RIL_TEXTLINE) / 100.0F, {}});
+            lines.push_back({u"",
+                             screenRect(left, top, right, bottom, image),
+                             it->Confidence(RIL_TEXTLINE) / 100.0F,
+                             {}});
             line = &lines.back();
         }
         TesseractText utf8{it->GetUTF8Text(RIL_WORD)};
@@ -81,7 +85,8 @@ std::vector<OCRLine> linesOf(tesseract::TessBaseAPI& api, const PixelBuffer& ima
             line->text += u' ';
         }
         it->BoundingBox(RIL_WORD, &left, &top, &right, &bottom);
-        line->words.push_back({word, screenRect(left, top, right, bottom, image),
+        line->words.push_back({word,
+                               screenRect(left, top, right, bottom, image),
                                {static_cast<std::int64_t>(line->text.size()),
                                 static_cast<std::int64_t>(word.size())}});
         line->text += word;
@@ -159,11 +164,10 @@ Recognition TesseractRecognizer::recognize(const PixelBuffer& image, Recognition
     std::vector<OCRLine> lines = engine->recognize(pix.get(), image);
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - started);
-    coreLog("lectorbell.ocr", "recognize: " + std::to_string(image.width) + "x" +
-                                  std::to_string(image.height) + " px, " +
-                                  (mode == RecognitionMode::fast ? "fast" : "accurate") + ", " +
-                                  std::to_string(lines.size()) + " lines, " +
-                                  std::to_string(ms.count()) + " ms");
+    coreLog("lectorbell.ocr",
+            "recognize: " + std::to_string(image.width) + "x" + std::to_string(image.height) +
+                " px, " + (mode == RecognitionMode::fast ? "fast" : "accurate") + ", " +
+                std::to_string(lines.size()) + " lines, " + std::to_string(ms.count()) + " ms");
     return {std::move(lines), std::nullopt};
 }
 

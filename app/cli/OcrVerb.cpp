@@ -104,8 +104,9 @@ int runOcr(const OcrOptions& options) {
     }
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
     platform::TesseractRecognizer recognizer;
-    platform::Recognition recognition = recognizer.recognize(
-        pixels, options.fast ? platform::RecognitionMode::fast : platform::RecognitionMode::accurate);
+    platform::Recognition recognition =
+        recognizer.recognize(pixels, options.fast ? platform::RecognitionMode::fast
+                                                  : platform::RecognitionMode::accurate);
     if (recognition.failure) {
         std::cerr << "lectorbell: recognition failed: " << *recognition.failure << '\n';
         return unusableInput;
@@ -114,7 +115,8 @@ int runOcr(const OcrOptions& options) {
         return printSelection(recognition.lines, pixels, options.json);
     }
     if (!pointer && !options.json) {
-        std::vector<std::u16string> texts = ReadingOrderEngine::orderedParagraphTexts(recognition.lines);
+        std::vector<std::u16string> texts =
+            ReadingOrderEngine::orderedParagraphTexts(recognition.lines);
         if (texts.empty()) {
             return printError(ReadingError{ReadingError::Kind::ocrFoundNothing}, false);
         }

@@ -21,7 +21,8 @@ constexpr std::int64_t maxPixels = 10240LL * 10240LL;
 
 } // namespace
 
-std::variant<PixelBuffer, std::string> readImageFile(const std::string& path, double pixelsPerPoint) {
+std::variant<PixelBuffer, std::string> readImageFile(const std::string& path,
+                                                     double pixelsPerPoint) {
     if (!std::isfinite(pixelsPerPoint) || pixelsPerPoint <= 0) {
         return std::string{"the scale must be a positive number"};
     }
@@ -29,7 +30,8 @@ std::variant<PixelBuffer, std::string> readImageFile(const std::string& path, do
     if (!file) {
         return "cannot open " + path;
     }
-    std::vector<l_uint8> bytes{std::istreambuf_iterator<char>{file}, std::istreambuf_iterator<char>{}};
+    std::vector<l_uint8> bytes{std::istreambuf_iterator<char>{file},
+                               std::istreambuf_iterator<char>{}};
     if (bytes.empty()) {
         return path + " is empty";
     }

@@ -15,8 +15,8 @@ void ensureOpenMPThreadLimit(char** argv) {
         return;
     }
     if (setenv("OMP_THREAD_LIMIT", "1", 1) != 0) {
-        coreLog("lectorbell.ocr", std::string{"openmp: cannot set the thread limit: "} +
-                                      std::strerror(errno));
+        coreLog("lectorbell.ocr",
+                std::string{"openmp: cannot set the thread limit: "} + std::strerror(errno));
         return;
     }
     execv("/proc/self/exe", argv);

@@ -186,6 +186,10 @@ struct PageCase {
     int scale;
 };
 
+void PrintTo(const PageCase& c, std::ostream* os) {
+    *os << c.page << "@" << c.scale << "x";
+}
+
 class OcrPages : public ::testing::TestWithParam<PageCase> {};
 
 TEST_P(OcrPages, ReadInOrder) {

@@ -185,7 +185,35 @@ Page selection() {
     return page;
 }
 
+const QString harbourText =
+    "The first ferries leave before the sun is up, and by the time the light reaches the water "
+    "the quay is already busy with people who have done this journey a thousand times. Nobody "
+    "looks at the view. They look at their phones, or at the gulls, or at the clock above the "
+    "ticket office that has been five minutes slow for as long as anyone can remember.";
+
+Page band() {
+    Page page = named("band");
+    page.width = 1280;
+    page.height = 200;
+    page.items = {body(harbourText + " " + harbourText, 40, 1150, 30)};
+    return page;
+}
+
+Page window() {
+    Page page = named("window");
+    page.width = 1280;
+    page.height = 800;
+    page.items = {title("Morning Light over the Harbour", 40, 40, 1150),
+                  body(harbourText, 40, 1150, 100), body(harbourText, 40, 1150),
+                  body(harbourText, 40, 1150), body(harbourText, 40, 1150)};
+    return page;
+}
+
 } // namespace
+
+std::vector<Page> benchmarkPages() {
+    return {band(), window()};
+}
 
 std::vector<Page> testPages() {
     return {oneColumn(), twoColumns(), sidebar(), table(), lists(), selection()};

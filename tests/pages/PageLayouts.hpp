@@ -46,5 +46,7 @@ struct Page {
 };
 
 std::vector<Page> testPages();
+// Pages only timed by the recognition benchmark: a 1280 × 200 band and a 1280 × 800 window.
+std::vector<Page> benchmarkPages();
 
 } // namespace lectorbell::pages

@@ -153,6 +153,24 @@ QJsonObject truthOf(const Page& page) {
     return truth;
 }
 
+// Inputs the recogniser must refuse or find empty: a blank page, an empty file, a PNG cut short.
+bool writeBadImages(const QDir& out) {
+    QImage blank{400, 200, QImage::Format_RGB32};
+    blank.fill(Qt::white);
+    if (!blank.save(out.filePath("blank.png"), "PNG")) {
+        return false;
+    }
+    QFile whole{out.filePath("one-column@1x.png")};
+    QFile empty{out.filePath("empty.png")};
+    QFile truncated{out.filePath("truncated.png")};
+    if (!whole.open(QIODevice::ReadOnly) || !empty.open(QIODevice::WriteOnly) ||
+        !truncated.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    const QByteArray bytes = whole.readAll();
+    return truncated.write(bytes.left(bytes.size() / 2)) >= 0;
+}
+
 } // namespace
 
 } // namespace lectorbell::pages
@@ -179,13 +197,20 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "render-test-pages: cannot create %s\n", argv[1]);
         return 1;
     }
-    for (const Page& page : testPages()) {
+    std::vector<Page> pages = testPages();
+    for (const Page& page : benchmarkPages()) {
+        pages.push_back(page);
+    }
+    for (const Page& page : pages) {
         for (int scale : {1, 2}) {
             QString path = out.filePath(QString{"%1@%2x.png"}.arg(page.name).arg(scale));
             if (!render(page, family, scale).save(path, "PNG")) {
                 std::fprintf(stderr, "render-test-pages: cannot write %s\n", qPrintable(path));
                 return 1;
             }
+        }
+        if (page.items.empty() || page.name == "band" || page.name == "window") {
+            continue;
         }
         QFile truth{out.filePath(page.name + ".truth.json")};
         if (!truth.open(QIODevice::WriteOnly) ||
@@ -195,5 +220,5 @@ int main(int argc, char** argv) {
             return 1;
         }
     }
-    return 0;
+    return writeBadImages(out) ? 0 : 1;
 }

@@ -5,22 +5,13 @@
 #            [NO_OUTPUT] COMMAND ocr <option>...)
 function(ocr_golden name)
   cmake_parse_arguments(PARSE_ARGV 1 CASE "NO_OUTPUT" "IMAGE;STATUS;STDERR_MATCH" "COMMAND")
-  list(JOIN CASE_COMMAND "$<SEMICOLON>" verb)
-  set(status 0)
-  if(DEFINED CASE_STATUS)
-    set(status ${CASE_STATUS})
-  endif()
-  set(extra "")
-  if(DEFINED CASE_STDERR_MATCH)
-    list(APPEND extra "-DSTDERR_MATCH=${CASE_STDERR_MATCH}")
-  endif()
+  # Empty values count as not given.
+  set(extra STATUS "${CASE_STATUS}" STDERR_MATCH "${CASE_STDERR_MATCH}")
   if(NOT CASE_NO_OUTPUT)
-    list(APPEND extra "-DEXPECTED=${CMAKE_CURRENT_LIST_DIR}/golden/ocr-${name}.expected")
+    list(APPEND extra EXPECTED "${CMAKE_CURRENT_LIST_DIR}/golden/ocr-${name}.expected")
   endif()
-  add_test(NAME cli.ocr-${name}
-           COMMAND ${CMAKE_COMMAND} -DEXE=$<TARGET_FILE:lectorbell> "-DVERB=${verb}"
-                   "-DINPUT=${CMAKE_BINARY_DIR}/test-pages/rendered/${CASE_IMAGE}"
-                   -DSTATUS=${status} ${extra} -P ${CMAKE_CURRENT_LIST_DIR}/CheckVerb.cmake)
+  add_verb_check(cli.ocr-${name} VERB ${CASE_COMMAND}
+                 INPUT "${CMAKE_BINARY_DIR}/test-pages/rendered/${CASE_IMAGE}" ${extra})
   set_tests_properties(cli.ocr-${name} PROPERTIES FIXTURES_REQUIRED test-pages)
 endfunction()
 

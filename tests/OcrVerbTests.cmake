@@ -33,3 +33,4 @@ ocr_golden(truncated IMAGE truncated.png STATUS 1 NO_OUTPUT STDERR_MATCH "not a 
            COMMAND ocr)
 ocr_golden(bad-point IMAGE one-column@1x.png STATUS 1 NO_OUTPUT STDERR_MATCH "--at takes"
            COMMAND ocr --at 12)
+ocr_golden(two-columns-fast IMAGE two-columns@1x.png COMMAND ocr --fast)

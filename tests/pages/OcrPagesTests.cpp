@@ -154,14 +154,15 @@ std::u16string visibleOrder(const std::vector<Engine::Block>& blocks) {
     return normalised(text);
 }
 
-// Tesseract's own reading order: its page layout analysis and text output.
-std::u16string tesseractOrder(const std::string& png, int scale) {
+// Tesseract's own reading order: its text output with automatic page layout (PSM 3) or one
+// uniform block (PSM 6).
+std::u16string tesseractOrder(const std::string& png, int scale, tesseract::PageSegMode mode) {
     tesseract::TessBaseAPI api;
     if (api.Init(nullptr, "eng", tesseract::OEM_LSTM_ONLY) != 0) {
         return {};
     }
     api.SetVariable("debug_file", "/dev/null");
-    api.SetPageSegMode(tesseract::PSM_AUTO);
+    api.SetPageSegMode(mode);
     Pix* pix = pixRead(png.c_str());
     api.SetImage(pix);
     api.SetSourceResolution(96 * scale);
@@ -240,10 +241,12 @@ TEST_P(OcrPages, ReadInOrder) {
 
     const std::u16string want = visibleTruth(truth);
     const std::size_t ours = editDistance(visibleOrder(blocks), want);
-    const std::size_t theirs = editDistance(tesseractOrder(png, scale), want);
+    const std::size_t theirs = editDistance(tesseractOrder(png, scale, tesseract::PSM_AUTO), want);
+    const std::size_t block =
+        editDistance(tesseractOrder(png, scale, tesseract::PSM_SINGLE_BLOCK), want);
     std::printf("[order] %s@%dx: edit distance to the truth (%zu characters): ours %zu, "
-                "Tesseract's page order %zu\n",
-                page.c_str(), scale, want.size(), ours, theirs);
+                "Tesseract's page order %zu (PSM 3), %zu (PSM 6)\n",
+                page.c_str(), scale, want.size(), ours, theirs, block);
     if (page == "two-columns" || page == "sidebar") {
         EXPECT_LE(ours, theirs);
     }

@@ -8,7 +8,7 @@ namespace {
 
 // Text is cleaned of reference marks in windows of about this many units, each ending at a line
 // feed that is not followed by "[" (so no mark, nor the space before one, straddles two windows).
-constexpr std::size_t windowUnits = 16 * 1024;
+constexpr std::size_t windowUnits = std::size_t{16} * 1024;
 
 std::size_t windowEnd(std::u16string_view text, std::size_t from) {
     std::size_t i = from + windowUnits;

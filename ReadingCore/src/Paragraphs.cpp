@@ -36,10 +36,12 @@ void ParagraphBuilder::addLine(std::u16string_view rawLine, std::vector<std::u16
         hasCurrent_ = true;
         return;
     }
+    // A wrapped hyphen before a lower-case start joins even after terminal punctuation tests;
+    // otherwise terminal punctuation or a start that is not lower-case ends the paragraph.
     bool startsLower = isLowercaseCharacter(firstCharacter(line));
-    if (endsWithHyphenAfterLetter(current_) && startsLower) {
-        current_ = TextSegmenter::joinWrappedLines(current_, line);
-    } else if (TextSegmenter::isTerminalPunctuation(lastCharacter(current_)) || !startsLower) {
+    bool hyphenJoin = startsLower && endsWithHyphenAfterLetter(current_);
+    if (!hyphenJoin &&
+        (TextSegmenter::isTerminalPunctuation(lastCharacter(current_)) || !startsLower)) {
         flush(out);
         current_.assign(line);
         hasCurrent_ = true;

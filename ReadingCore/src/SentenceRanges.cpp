@@ -83,8 +83,8 @@ std::size_t citationMarkLength(std::u16string_view s) {
     if (s.empty() || s[0] != u'[') {
         return 0;
     }
-    std::size_t close = s.find(u']');
-    if (close == std::u16string_view::npos || close > 24) {
+    std::size_t close = s.find(u']'); // npos when missing, also past the limit
+    if (close > 24) {
         return 0;
     }
     std::u16string inside = detail::lowercased(s.substr(1, close - 1));

@@ -6,6 +6,9 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addChunksVerb(app, outcome);
     addSentencesVerb(app, outcome);
     addGestureVerb(app, outcome);
+    addReadVerb(app, outcome);
+    addVoicesVerb(app, outcome);
+    addPaceVerb(app, outcome);
     addOcrVerb(app, outcome);
 }
 

@@ -15,6 +15,9 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome);
 void addChunksVerb(CLI::App& app, VerbOutcome& outcome);
 void addSentencesVerb(CLI::App& app, VerbOutcome& outcome);
 void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
+void addReadVerb(CLI::App& app, VerbOutcome& outcome);
+void addVoicesVerb(CLI::App& app, VerbOutcome& outcome);
+void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
 void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/PcmAudio.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace lectorbell::platform {
+
+using AudioBufferId = std::uint64_t;
+
+// Told when scheduled buffers actually sound. Calls arrive on the main thread, never from inside
+// a call into the output.
+class AudioOutputListener {
+public:
+    virtual ~AudioOutputListener() = default;
+    // The buffer's first frame is playing now.
+    virtual void audioBufferDidStart(AudioBufferId id) = 0;
+    // The buffer's last frame has been played.
+    virtual void audioBufferDidFinish(AudioBufferId id) = 0;
+};
+
+enum class PauseBoundary {
+    // Silence now, in the middle of a buffer.
+    immediate,
+    // Let the buffer that is sounding play to its end.
+    endOfBuffer,
+};
+
+// The message shown when no sound can be played.
+inline constexpr const char* noAudioOutputDeviceMessage = "No audio output device";
+
+// A sound device fed with PCM buffers that play back to back, in the order scheduled, with no
+// gap between them. Once started it stays open (playing silence when nothing is queued), so the
+// first buffer after a pause in reading sounds at once.
+class AudioOutput {
+public:
+    virtual ~AudioOutput() = default;
+
+    // Held weakly.
+    virtual void setListener(AudioOutputListener* listener) = 0;
+    // Opens the device for `format`; the error message when there is none or it fails.
+    virtual std::optional<std::string> start(PcmFormat format) = 0;
+    // Queues samples (interleaved, in the started format) behind everything already queued.
+    virtual AudioBufferId schedule(PcmSamples samples) = 0;
+    virtual void pause(PauseBoundary boundary) = 0;
+    virtual void resume() = 0;
+    // Drops every queued buffer and silences at once (a pause ends too); dropped buffers get
+    // no callback.
+    virtual void stop() = 0;
+    // Frames of scheduled buffers played since start (silence in between is not counted).
+    virtual std::int64_t playedFrames() const = 0;
+    // True while buffers are queued or sounding.
+    virtual bool isBusy() const = 0;
+};
+
+} // namespace lectorbell::platform

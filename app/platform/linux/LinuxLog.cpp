@@ -1,0 +1,3 @@
+#include "platform/linux/LinuxLog.hpp"
+
+Q_LOGGING_CATEGORY(lcLinuxSpeech, "lectorbell.reading")

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+// Metadata-only log lines of the Linux speech adapters ("lectorbell.reading").
+Q_DECLARE_LOGGING_CATEGORY(lcLinuxSpeech)

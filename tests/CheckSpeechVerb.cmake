@@ -1,0 +1,31 @@
+# Runs a speech verb of the real executable and checks its exit status and output by pattern
+# (timings vary from run to run, so there is no golden output):
+#   cmake -DCOMMAND=<exe;arg;...> [-DSTATUS=<n>] [-DSTDOUT_MATCH=<regex>]
+#         [-DSTDERR_MATCH=<regex>] [-DWAV=<file> -DMIN_WAV_BYTES=<n>] -P CheckSpeechVerb.cmake
+if(NOT DEFINED STATUS)
+  set(STATUS 0)
+endif()
+if(WAV)
+  file(REMOVE "${WAV}")
+endif()
+execute_process(COMMAND ${COMMAND} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE status)
+
+set(problems "")
+if(NOT status STREQUAL STATUS)
+  string(APPEND problems "exit status ${status}, expected ${STATUS}\n")
+endif()
+if(DEFINED STDOUT_MATCH AND NOT out MATCHES "${STDOUT_MATCH}")
+  string(APPEND problems "standard output does not match \"${STDOUT_MATCH}\"\n")
+endif()
+if(DEFINED STDERR_MATCH AND NOT err MATCHES "${STDERR_MATCH}")
+  string(APPEND problems "standard error does not match \"${STDERR_MATCH}\"\n")
+endif()
+if(WAV)
+  file(SIZE "${WAV}" bytes)
+  if(bytes LESS MIN_WAV_BYTES)
+    string(APPEND problems "${WAV} holds ${bytes} bytes, expected at least ${MIN_WAV_BYTES}\n")
+  endif()
+endif()
+if(problems)
+  message(FATAL_ERROR "${COMMAND}:\n${problems}--- standard output\n${out}--- standard error\n${err}")
+endif()

@@ -191,7 +191,7 @@ public:
                           static_cast<double>(pixGetHeight(pix)), area};
         // Screen pixels: about 96 per inch at one pixel per point.
         const double pixelsPerPoint = image.width / area.width();
-        api_.SetSourceResolution(static_cast<int>(96 * pixelsPerPoint + 0.5));
+        api_.SetSourceResolution(static_cast<int>(std::lround(96 * pixelsPerPoint)));
         std::vector<OCRLine> lines;
         if (api_.Recognize(nullptr) == 0) {
             lines = linesOf(api_, image);

@@ -58,6 +58,17 @@ bool forEachCharacter(std::u16string_view text, Visit&& visit) {
     const std::size_t n = text.size();
     std::size_t i = 0;
     while (i < n) {
+        // ASCII followed by ASCII (or the end) is a character of its own, except CR before LF.
+        if (char16_t u = p[i]; u < 0x80) {
+            char16_t v = i + 1 < n ? p[i + 1] : u'\0';
+            if (v < 0x80 && !(u == u'\r' && v == u'\n')) {
+                if (!visit(text.substr(i, 1), i)) {
+                    return false;
+                }
+                ++i;
+                continue;
+            }
+        }
         std::size_t next = i;
         UChar32 c = 0;
         U16_NEXT(p, next, n, c);
@@ -80,6 +91,20 @@ bool forEachCharacter(std::u16string_view text, Visit&& visit) {
         i = end;
     }
     return true;
+}
+
+// After a run of ASCII that ends before offset `end`: where a character walk may take over, a
+// grapheme start at or before `end`. Between two ASCII units there is always a boundary except
+// inside CR LF, so the run's last character (CR LF counted as one) starts a grapheme.
+inline std::size_t asciiRunHandover(std::u16string_view text, std::size_t end) {
+    if (end == 0) {
+        return 0;
+    }
+    std::size_t last = end - 1;
+    if (text[last] == u'\n' && last > 0 && text[last - 1] == u'\r') {
+        --last;
+    }
+    return last;
 }
 
 } // namespace lectorbell::detail

@@ -91,6 +91,9 @@ CompiledPronunciations::CompiledPronunciations(const std::vector<PronunciationRu
                      [](const Trimmed& a, const Trimmed& b) { return a.length > b.length; });
 
     entries_.reserve(pairs.size());
+    // Many rules may look for the same word (a user's fix and a shared one): the text is
+    // searched once per distinct folded word.
+    std::unordered_map<std::u16string, std::size_t> wordIds;
     std::size_t skipped = 0;
     for (const Trimmed& pair : pairs) {
         UErrorCode status = U_ZERO_ERROR;
@@ -101,28 +104,35 @@ CompiledPronunciations::CompiledPronunciations(const std::vector<PronunciationRu
             ++skipped;
             continue;
         }
-        icu::UnicodeString folded = readOnlyAlias(pair.word);
+        icu::UnicodeString folded = copyOf(pair.word);
         folded.foldCase();
         if (folded.isEmpty()) {
             ++skipped;
             continue;
         }
         auto index = static_cast<std::uint32_t>(entries_.size());
-        std::size_t keyLength = std::min<std::size_t>(maxPrefix, folded.length());
-        byPrefix_[prefixKey(folded.getBuffer(), keyLength)].push_back(index);
+        auto [word, added] = wordIds.try_emplace(toU16(folded), words_.size());
+        if (added) {
+            std::size_t keyLength = std::min<std::size_t>(maxPrefix, folded.length());
+            byPrefix_[prefixKey(folded.getBuffer(), keyLength)].push_back(
+                static_cast<std::uint32_t>(words_.size()));
+            words_.push_back(FoldedWord{std::move(folded), {}});
+        }
+        words_[word->second].entries.push_back(index);
         // The sayAs text goes in as it is, never read as a template.
-        entries_.push_back(Entry{std::move(pattern), icu::UnicodeString{readOnlyAlias(pair.sayAs)},
-                                 std::move(folded)});
+        entries_.push_back(Entry{std::move(pattern), copyOf(pair.sayAs)});
     }
     if (skipped > 0) {
         coreLog("reading", "pronunciations: " + std::to_string(skipped) +
-                               " rule(s) skipped, their word does not compile");
+                               " rule(s) skipped, their word cannot be matched");
     }
 }
 
 std::vector<std::uint32_t> CompiledPronunciations::candidates(const icu::UnicodeString& folded,
                                                               std::uint32_t from) const {
     std::vector<std::uint32_t> found;
+    // A word found once (or with no entry left to run) is not looked for again.
+    std::vector<char> settled(words_.size(), 0);
     const char16_t* units = folded.getBuffer();
     const auto n = static_cast<std::size_t>(folded.length());
     for (std::size_t i = 0; i < n; ++i) {
@@ -131,23 +141,29 @@ std::vector<std::uint32_t> CompiledPronunciations::candidates(const icu::Unicode
             if (bucket == byPrefix_.end()) {
                 continue;
             }
-            // Ascending: skip the entries that have already run.
-            const auto& indices = bucket->second;
-            for (auto it = std::lower_bound(indices.begin(), indices.end(), from);
-                 it != indices.end(); ++it) {
-                const icu::UnicodeString& word = entries_[*it].foldedWord;
-                if (folded.compare(static_cast<int32_t>(i), word.length(), word) == 0) {
-                    found.push_back(*it);
+            for (std::uint32_t id : bucket->second) {
+                const FoldedWord& word = words_[id];
+                if (settled[id] != 0 || word.entries.back() < from) {
+                    continue;
+                }
+                if (folded.compare(static_cast<int32_t>(i), word.folded.length(), word.folded) ==
+                    0) {
+                    settled[id] = 1;
+                    // Ascending: skip the entries that have already run.
+                    found.insert(found.end(),
+                                 std::lower_bound(word.entries.begin(), word.entries.end(), from),
+                                 word.entries.end());
                 }
             }
         }
     }
     std::sort(found.begin(), found.end());
-    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 
-bool CompiledPronunciations::applyEntry(icu::UnicodeString& text, std::uint32_t index) const {
+CompiledPronunciations::Outcome CompiledPronunciations::applyEntry(icu::UnicodeString& text,
+                                                                   std::uint32_t index,
+                                                                   int64_t maxLength) const {
     const Entry& entry = entries_[index];
     GuardedMatcher guarded{*entry.word, text};
     icu::UnicodeString result;
@@ -162,6 +178,9 @@ bool CompiledPronunciations::applyEntry(icu::UnicodeString& text, std::uint32_t 
         }
         if (isWholeWord(text, start, end)) {
             result.append(text, copied, start - copied).append(entry.sayAs);
+            if (result.length() > maxLength) {
+                return Outcome::tooLong;
+            }
             copied = end;
             replaced = true;
             found = guarded.find();
@@ -174,27 +193,38 @@ bool CompiledPronunciations::applyEntry(icu::UnicodeString& text, std::uint32_t 
     }
     if (guarded.failed()) {
         guarded.logSkipped(owner, "#" + std::to_string(index));
-        return false;
+        return Outcome::unchanged;
     }
     if (!replaced) {
-        return false;
+        return Outcome::unchanged;
     }
     result.append(text, copied, text.length() - copied);
     text = std::move(result);
-    return true;
+    return Outcome::changed;
 }
 
 std::u16string CompiledPronunciations::apply(std::u16string_view text) const {
     if (entries_.empty() || text.empty() || !fitsIcu(text)) {
         return std::u16string{text};
     }
+    // A word whose sayAs contains the word itself is found again by each later rule for it, so
+    // a hostile list could double the text rule after rule: past this length the remaining rules
+    // are left out and the text is spoken as it stands.
+    const auto maxLength = static_cast<int64_t>(text.size()) * 64 + 65536;
     icu::UnicodeString working = readOnlyAlias(text);
     icu::UnicodeString folded = working;
     folded.foldCase();
     std::vector<std::uint32_t> pending = candidates(folded, 0);
     for (std::size_t k = 0; k < pending.size(); ++k) {
         std::uint32_t index = pending[k];
-        if (applyEntry(working, index)) {
+        Outcome outcome = applyEntry(working, index, maxLength);
+        if (outcome == Outcome::tooLong) {
+            coreLog("reading", "pronunciations: rules from #" + std::to_string(index) +
+                                   " left out (output too long) for a text of " +
+                                   std::to_string(text.size()) + " UTF-16 units");
+            break;
+        }
+        if (outcome == Outcome::changed) {
             // The text changed: later rules may now find words they could not before, or none.
             folded = working;
             folded.foldCase();

@@ -38,17 +38,24 @@ private:
     struct Entry {
         std::unique_ptr<const icu::RegexPattern> word;
         icu::UnicodeString sayAs;
-        icu::UnicodeString foldedWord;
+    };
+    // One distinct case-folded word and the entries (ascending) that look for it.
+    struct FoldedWord {
+        icu::UnicodeString folded;
+        std::vector<std::uint32_t> entries;
     };
 
     // Indices (ascending, at least `from`) of the entries whose folded word occurs in `folded`.
     std::vector<std::uint32_t> candidates(const icu::UnicodeString& folded,
                                           std::uint32_t from) const;
-    // Replaces every whole-word match of one entry; false when nothing changed or it gave up.
-    bool applyEntry(icu::UnicodeString& text, std::uint32_t index) const;
+    enum class Outcome { unchanged, changed, tooLong };
+    // Replaces every whole-word match of one entry. The text is left as it was when nothing
+    // matched, when the matcher gave up, or when the text would grow beyond `maxLength` units.
+    Outcome applyEntry(icu::UnicodeString& text, std::uint32_t index, int64_t maxLength) const;
 
     std::vector<Entry> entries_;
-    // Folded-word prefix (its first one, two or three units) → entry indices, ascending.
+    std::vector<FoldedWord> words_;
+    // Folded-word prefix (its first one, two or three units) → indices into words_.
     std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> byPrefix_;
 };
 

@@ -7,15 +7,14 @@
 
 namespace lectorbell::detail {
 
-std::unique_ptr<const icu::RegexPattern> compileConstantPattern(std::u16string_view pattern,
-                                                                uint32_t flags, const char* owner,
-                                                                std::source_location where) {
+std::unique_ptr<const icu::RegexPattern>
+compileConstantPattern(std::u16string_view pattern, uint32_t flags, const char* owner, int line) {
     UErrorCode status = U_ZERO_ERROR;
     UParseError parseError{};
     std::unique_ptr<const icu::RegexPattern> compiled{
         icu::RegexPattern::compile(readOnlyAlias(pattern), flags, parseError, status)};
     if (U_FAILURE(status) || !compiled) {
-        std::string reason = std::string{owner} + ":" + std::to_string(where.line()) +
+        std::string reason = std::string{owner} + ":" + std::to_string(line) +
                              ": regular expression does not compile (" + u_errorName(status) + ")";
         fatalError(reason.c_str());
     }
@@ -48,7 +47,7 @@ bool GuardedMatcher::pastDeadline() const {
 }
 
 UBool GuardedMatcher::keepGoing(const void* context, int32_t) {
-    return !static_cast<const GuardedMatcher*>(context)->pastDeadline();
+    return static_cast<const GuardedMatcher*>(context)->pastDeadline() ? 0 : 1;
 }
 
 UBool GuardedMatcher::keepFinding(const void* context, int64_t) {
@@ -56,9 +55,9 @@ UBool GuardedMatcher::keepFinding(const void* context, int64_t) {
     // Called once per start position: reading the clock every time would cost more than the
     // scan itself.
     if ((++self->calls_ & 0xFF) != 0) {
-        return true;
+        return 1;
     }
-    return !self->pastDeadline();
+    return self->pastDeadline() ? 0 : 1;
 }
 
 bool GuardedMatcher::find() {

@@ -9,7 +9,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <source_location>
 #include <string>
 #include <string_view>
 #include <unicode/regex.h>
@@ -21,8 +20,12 @@ namespace lectorbell::detail {
 // microseconds, a megabyte a few milliseconds per rule), so only hostile input ever meets it.
 inline constexpr std::chrono::milliseconds regexTimeLimit{100};
 
+// Shares the text's storage, which must outlive the alias.
 inline icu::UnicodeString readOnlyAlias(std::u16string_view text) {
     return icu::UnicodeString(false, text.data(), static_cast<int32_t>(text.size()));
+}
+inline icu::UnicodeString copyOf(std::u16string_view text) {
+    return icu::UnicodeString(text.data(), static_cast<int32_t>(text.size()));
 }
 inline std::u16string_view viewOf(const icu::UnicodeString& text) {
     return {text.getBuffer(), static_cast<std::size_t>(text.length())};
@@ -36,10 +39,11 @@ inline bool fitsIcu(std::u16string_view text) {
 }
 
 // A pattern written into the program. Failing to compile one is a programming fault: the
-// process stops with a report naming `owner` (such as "ReadingCore/SpeechCleanup") and the line.
-std::unique_ptr<const icu::RegexPattern>
-compileConstantPattern(std::u16string_view pattern, uint32_t flags, const char* owner,
-                       std::source_location where = std::source_location::current());
+// process stops with a report naming `owner` (such as "ReadingCore/SpeechCleanup") and the
+// caller's line (__builtin_LINE rather than std::source_location, which clang 14 lacks).
+std::unique_ptr<const icu::RegexPattern> compileConstantPattern(std::u16string_view pattern,
+                                                                uint32_t flags, const char* owner,
+                                                                int line = __builtin_LINE());
 
 // One whole-text rewrite: every match of `pattern` is replaced by `replacement`, a template in
 // which "$1" stands for the first capture group.

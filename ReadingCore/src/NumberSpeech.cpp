@@ -15,8 +15,8 @@ using detail::RegexRewrite;
 constexpr const char* owner = "ReadingCore/TableReading";
 
 RegexRewrite rewrite(std::u16string_view pattern, std::u16string_view replacement, const char* name,
-                     std::source_location where = std::source_location::current()) {
-    return RegexRewrite{detail::compileConstantPattern(pattern, 0, owner, where),
+                     int line = __builtin_LINE()) {
+    return RegexRewrite{detail::compileConstantPattern(pattern, 0, owner, line),
                         detail::readOnlyAlias(replacement), name};
 }
 
@@ -36,7 +36,19 @@ const std::vector<RegexRewrite>& rules() {
 }
 
 bool hasNumber(std::u16string_view text) {
-    bool none = detail::forEachCharacter(text, [](std::u16string_view character, std::size_t) {
+    // An ASCII digit after ASCII starts a character of its own; only past the first non-ASCII
+    // unit do characters need the full walk.
+    std::size_t i = 0;
+    for (; i < text.size() && text[i] < 128; ++i) {
+        if (text[i] >= u'0' && text[i] <= u'9') {
+            return true;
+        }
+    }
+    if (i == text.size()) {
+        return false;
+    }
+    std::u16string_view rest = text.substr(detail::asciiRunHandover(text, i));
+    bool none = detail::forEachCharacter(rest, [](std::u16string_view character, std::size_t) {
         char16_t c = character[0];
         if (c < 128) {
             return !(c >= u'0' && c <= u'9');

@@ -19,9 +19,8 @@ using detail::RegexRewrite;
 constexpr const char* owner = "ReadingCore/SpeechCleanup";
 
 RegexRewrite rewrite(std::u16string_view pattern, uint32_t flags, std::u16string_view replacement,
-                     const char* name,
-                     std::source_location where = std::source_location::current()) {
-    return RegexRewrite{compileConstantPattern(pattern, flags, owner, where),
+                     const char* name, int line = __builtin_LINE()) {
+    return RegexRewrite{compileConstantPattern(pattern, flags, owner, line),
                         detail::readOnlyAlias(replacement), name};
 }
 
@@ -105,7 +104,7 @@ std::u16string clean(std::u16string_view text) {
         readPipeTable(working);
     }
     std::u16string filtered = detail::filterSymbols(detail::viewOf(working));
-    working = icu::UnicodeString(filtered.data(), static_cast<int32_t>(filtered.size()));
+    working = detail::copyOf(filtered);
     for (const RegexRewrite& rule : spacingRewrites()) {
         detail::rewriteAll(working, rule, owner);
     }

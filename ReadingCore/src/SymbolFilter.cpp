@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace lectorbell {
 
@@ -63,29 +64,54 @@ bool looksLikeEmoji(std::u16string_view character) {
     return scalars >= 2 && wideEmoji;
 }
 
-struct AsciiClass {
+struct CharacterClass {
     bool keep = false;
     bool attention = false;
 };
 
-// ASCII decides most texts; its answers come from the same rules as every other character.
-const std::array<AsciiClass, 128>& asciiClasses() {
-    static const std::array<AsciiClass, 128> table = [] {
-        std::array<AsciiClass, 128> t{};
-        for (char16_t c = 0; c < 128; ++c) {
-            bool kept = SpeechCleanup::keep(std::u16string_view{&c, 1});
-            t[c] = AsciiClass{kept, !kept || contains(markupHints, c)};
-        }
+// Precomputed answers for the characters prose is made of: ASCII, Latin-1 and Latin Extended
+// letters, and general punctuation (curly quotes, dashes). They come from the same rules.
+constexpr char16_t latinEnd = 0x250;
+constexpr char16_t punctuationStart = 0x2000;
+constexpr char16_t punctuationEnd = 0x2070;
+
+std::optional<std::size_t> commonIndex(char16_t c) {
+    if (c < latinEnd) {
+        return c;
+    }
+    if (c >= punctuationStart && c < punctuationEnd) {
+        return latinEnd + (c - punctuationStart);
+    }
+    return std::nullopt;
+}
+
+using CommonClasses = std::array<CharacterClass, latinEnd + (punctuationEnd - punctuationStart)>;
+
+const CommonClasses& commonClasses() {
+    static const CommonClasses table = [] {
+        CommonClasses t{};
+        auto fill = [&](char16_t from, char16_t to) {
+            for (char16_t c = from; c < to; ++c) {
+                bool kept = SpeechCleanup::keep(std::u16string_view{&c, 1});
+                t[*commonIndex(c)] = CharacterClass{kept, !kept || contains(markupHints, c)};
+            }
+        };
+        fill(0, latinEnd);
+        fill(punctuationStart, punctuationEnd);
         return t;
     }();
     return table;
 }
 
-bool keepCharacter(std::u16string_view character) {
-    if (character.size() == 1 && character[0] < 128) {
-        return asciiClasses()[character[0]].keep;
+CharacterClass classify(const CommonClasses& common, std::u16string_view character) {
+    if (character.size() == 1) {
+        if (auto index = commonIndex(character[0])) {
+            return common[*index];
+        }
     }
-    return SpeechCleanup::keep(character);
+    // Markup hints are ASCII, and no longer character is canonically equivalent to ASCII.
+    bool kept = SpeechCleanup::keep(character);
+    return CharacterClass{kept, !kept};
 }
 
 } // namespace
@@ -116,23 +142,36 @@ bool SpeechCleanup::keep(std::u16string_view character) {
 namespace detail {
 
 bool needsCleanupAttention(std::u16string_view text) {
-    const auto& ascii = asciiClasses();
-    bool calm = forEachCharacter(text, [&](std::u16string_view character, std::size_t) {
-        if (character.size() == 1 && character[0] < 128) {
-            return !ascii[character[0]].attention;
+    const CommonClasses& common = commonClasses();
+    // Plain prose is mostly ASCII, where every unit is a whole character unless a combining
+    // mark or the like follows it: a table lookup per unit until the first non-ASCII unit.
+    std::size_t i = 0;
+    for (; i < text.size() && text[i] < 128; ++i) {
+        if (common[text[i]].attention) {
+            if (i + 1 == text.size() || text[i + 1] < 128) {
+                return true;
+            }
+            break;
         }
-        // Hints are ASCII, and no longer character is canonically equivalent to ASCII.
-        return SpeechCleanup::keep(character);
-    });
+    }
+    if (i == text.size()) {
+        return false;
+    }
+    std::size_t from = text[i] < 128 ? i : asciiRunHandover(text, i);
+    bool calm =
+        forEachCharacter(text.substr(from), [&](std::u16string_view character, std::size_t) {
+            return !classify(common, character).attention;
+        });
     return !calm;
 }
 
 std::u16string filterSymbols(std::u16string_view text) {
+    const CommonClasses& common = commonClasses();
     std::u16string result;
     result.reserve(text.size());
     bool lastIsWhitespace = false;
     forEachCharacter(text, [&](std::u16string_view character, std::size_t) {
-        if (keepCharacter(character)) {
+        if (classify(common, character).keep) {
             result.append(character);
             lastIsWhitespace = isWhitespaceScalar(firstScalar(character));
         } else if (!result.empty() && !lastIsWhitespace) {

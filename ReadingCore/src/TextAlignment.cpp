@@ -25,7 +25,8 @@ icu::BreakIterator& wordIterator() {
         }
         return it;
     }();
-    return *iterator;
+    // The analyzer mistakes the thread_local's one-time initialisation for a use after free.
+    return *iterator; // NOLINT(clang-analyzer-cplusplus.NewDelete)
 }
 
 bool isLetterMarkOrDigit(UChar32 c) {

@@ -5,10 +5,12 @@ namespace lectorbell::cli {
 void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addChunksVerb(app, outcome);
     addSentencesVerb(app, outcome);
+    addShapeVerb(app, outcome);
     addGestureVerb(app, outcome);
     addReadVerb(app, outcome);
     addVoicesVerb(app, outcome);
     addPaceVerb(app, outcome);
+    addProbeVerb(app, outcome);
     addOcrVerb(app, outcome);
 }
 

@@ -14,10 +14,12 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome);
 
 void addChunksVerb(CLI::App& app, VerbOutcome& outcome);
 void addSentencesVerb(CLI::App& app, VerbOutcome& outcome);
+void addShapeVerb(CLI::App& app, VerbOutcome& outcome);
 void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
 void addReadVerb(CLI::App& app, VerbOutcome& outcome);
 void addVoicesVerb(CLI::App& app, VerbOutcome& outcome);
 void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
+void addProbeVerb(CLI::App& app, VerbOutcome& outcome);
 void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

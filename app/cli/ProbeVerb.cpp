@@ -1,0 +1,110 @@
+#include "cli/ProbeOutput.hpp"
+#include "cli/Verbs.hpp"
+#include "platform/linux/AtspiDesktop.hpp"
+#include "sources/SerialQueue.hpp"
+
+#include <charconv>
+#include <iostream>
+
+namespace lectorbell::cli {
+
+namespace {
+
+struct ProbeOptions {
+    std::string at;
+    bool quick = false;
+    bool selection = false;
+    bool json = false;
+};
+
+std::optional<ScreenPoint> parsePoint(const std::string& text) {
+    std::size_t comma = text.find(',');
+    if (comma == std::string::npos) {
+        return std::nullopt;
+    }
+    double x = 0;
+    double y = 0;
+    auto [xEnd, xError] = std::from_chars(text.data(), text.data() + comma, x);
+    auto [yEnd, yError] = std::from_chars(text.data() + comma + 1, text.data() + text.size(), y);
+    if (xError != std::errc{} || yError != std::errc{} || xEnd != text.data() + comma ||
+        yEnd != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return ScreenPoint{x, y};
+}
+
+// Runs on the extractor's worker thread: the accessibility client lives there.
+ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
+    ProbeReport report;
+    auto started = std::chrono::steady_clock::now();
+    WalkContext context{[] { return std::chrono::steady_clock::now(); },
+                        [&report](std::string_view line) { report.trace.emplace_back(line); },
+                        false};
+    atspi::AtspiDesktop desktop;
+    AccessibilityExtractor extractor{desktop, ExtractorConfig{}, context};
+    if (!desktop.isTrusted()) {
+        report.cursor.error = ReadingError{ReadingError::Kind::accessibilityPermissionNeeded};
+    } else if (options.selection) {
+        std::optional<ProcessID> front = desktop.frontmostProcess();
+        if (!front) {
+            front = desktop.processAt(point);
+        }
+        report.pid = front;
+        report.selection = extractor.observeSelection(front.value_or(0), point);
+        report.decision = SelectionPolicy::decide(report.selection->observation);
+    } else if (std::optional<ProcessID> pid = desktop.processAt(point)) {
+        report.pid = pid;
+        report.cursor = extractor.extractAtCursor(*pid, point, std::nullopt, options.quick);
+        if (!report.cursor.result && !report.cursor.error && !desktop.application(*pid)) {
+            // Chromium, Electron and Qt applications build their tree only when accessibility
+            // is on as they start; switching it on later does not reach them.
+            report.notice = "process " + std::to_string(*pid) +
+                            " is not on the accessibility bus: restart it now that accessibility "
+                            "is on (Chromium and Electron apps: --force-renderer-accessibility)";
+        }
+    } else {
+        report.cursor.error = ReadingError{ReadingError::Kind::noExternalWindow};
+    }
+    report.milliseconds =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started)
+            .count();
+    return report;
+}
+
+int runProbe(const ProbeOptions& options) {
+    std::optional<ScreenPoint> point = parsePoint(options.at);
+    if (!point) {
+        std::cerr << "lectorbell probe: --at takes X,Y in screen points, e.g. --at 120,340\n";
+        return 2;
+    }
+    SerialQueue queue;
+    ProbeReport report = queue.submit([&] { return probe(*point, options); }).get();
+    if (options.json) {
+        printProbeJson(report, std::cout);
+    } else {
+        printProbeText(report, std::cout);
+    }
+    bool refused =
+        report.decision ? report.decision->error().has_value() : report.cursor.error.has_value();
+    if (refused) {
+        return 3;
+    }
+    return report.selection || report.cursor.result ? 0 : 1;
+}
+
+} // namespace
+
+void addProbeVerb(CLI::App& app, VerbOutcome& outcome) {
+    auto options = std::make_shared<ProbeOptions>();
+    CLI::App* verb = app.add_subcommand(
+        "probe", "Print the accessibility text at a screen point, as a reading would start it");
+    verb->add_option("--at", options->at, "The screen point X,Y (global, top-left origin)")
+        ->required();
+    verb->add_flag("--quick", options->quick, "Use the quick walk of the first answer");
+    verb->add_flag("--selection", options->selection,
+                   "Print the selection seen in the frontmost application and the decision");
+    verb->add_flag("--json", options->json, "Print one JSON object");
+    verb->callback([options, &outcome] { outcome.exitStatus = runProbe(*options); });
+}
+
+} // namespace lectorbell::cli

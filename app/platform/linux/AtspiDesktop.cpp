@@ -1,0 +1,143 @@
+#include "platform/linux/AtspiDesktop.hpp"
+
+#include "platform/linux/AtspiApp.hpp"
+
+#include <gio/gio.h>
+
+namespace lectorbell::atspi {
+
+namespace {
+
+constexpr int applicationLimit = 500;
+
+GDBusConnection* sessionBus() {
+    GError* error = nullptr;
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, &error);
+    if (error) {
+        g_error_free(error);
+        return nullptr;
+    }
+    return bus;
+}
+
+bool setStatus(GDBusConnection* bus, const char* property) {
+    GError* error = nullptr;
+    GVariant* reply = g_dbus_connection_call_sync(
+        bus, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set",
+        g_variant_new("(ssv)", "org.a11y.Status", property, g_variant_new_boolean(TRUE)), nullptr,
+        G_DBUS_CALL_FLAGS_NONE, static_cast<int>(messagingTimeout.count()), nullptr, &error);
+    if (error) {
+        g_error_free(error);
+        return false;
+    }
+    g_variant_unref(reply);
+    return true;
+}
+
+} // namespace
+
+AtspiDesktop::AtspiDesktop() = default;
+
+bool AtspiDesktop::connect() {
+    if (!connected_) {
+        int status = atspi_init();
+        connected_ = status == 0 || status == 1;
+        if (*connected_) {
+            atspi_set_timeout(static_cast<int>(messagingTimeout.count()),
+                              static_cast<int>(messagingTimeout.count()));
+        }
+    }
+    return *connected_;
+}
+
+std::optional<bool> AtspiDesktop::toolkitAccessibilityEnabled() {
+    GDBusConnection* bus = sessionBus();
+    if (!bus) {
+        return std::nullopt;
+    }
+    GError* error = nullptr;
+    GVariant* reply = g_dbus_connection_call_sync(
+        bus, "org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Get",
+        g_variant_new("(ss)", "org.a11y.Status", "IsEnabled"), G_VARIANT_TYPE("(v)"),
+        G_DBUS_CALL_FLAGS_NONE, static_cast<int>(messagingTimeout.count()), nullptr, &error);
+    g_object_unref(bus);
+    if (error) {
+        g_error_free(error);
+        return std::nullopt;
+    }
+    GVariant* boxed = nullptr;
+    g_variant_get(reply, "(v)", &boxed);
+    bool enabled =
+        g_variant_is_of_type(boxed, G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(boxed);
+    g_variant_unref(boxed);
+    g_variant_unref(reply);
+    return enabled;
+}
+
+bool AtspiDesktop::enableToolkitAccessibility() {
+    GDBusConnection* bus = sessionBus();
+    if (!bus) {
+        return false;
+    }
+    bool enabled = setStatus(bus, "IsEnabled") && setStatus(bus, "ScreenReaderEnabled");
+    g_object_unref(bus);
+    return enabled;
+}
+
+bool AtspiDesktop::isTrusted() {
+    if (!connect()) {
+        return false;
+    }
+    std::optional<bool> enabled = toolkitAccessibilityEnabled();
+    return enabled.value_or(false);
+}
+
+std::optional<ProcessID> AtspiDesktop::processAt(ScreenPoint point) {
+    return windows_.processAt(point);
+}
+
+std::optional<ProcessID> AtspiDesktop::frontmostProcess() {
+    return windows_.focusedProcess();
+}
+
+std::unique_ptr<AccessibilityApp> AtspiDesktop::application(ProcessID pid) {
+    if (!connect()) {
+        return nullptr;
+    }
+    GRef<AtspiAccessible> desktop = GRef<AtspiAccessible>::adopt(atspi_get_desktop(0));
+    if (!desktop) {
+        return nullptr;
+    }
+    // Only the bus is asked here (process ids come from the bus daemon), never the
+    // applications themselves: a hung application elsewhere costs nothing.
+    GError* error = nullptr;
+    int count = atspi_accessible_get_child_count(desktop.get(), &error);
+    if (error) {
+        g_error_free(error);
+        return nullptr;
+    }
+    for (int i = 0; i < count && i < applicationLimit; ++i) {
+        GRef<AtspiAccessible> app = GRef<AtspiAccessible>::adopt(
+            atspi_accessible_get_child_at_index(desktop.get(), i, &error));
+        if (error) {
+            g_error_free(error);
+            error = nullptr;
+            continue;
+        }
+        if (!app) {
+            continue;
+        }
+        guint owner = atspi_accessible_get_process_id(app.get(), &error);
+        if (error) {
+            g_error_free(error);
+            error = nullptr;
+            continue;
+        }
+        if (static_cast<ProcessID>(owner) == pid) {
+            return std::make_unique<AtspiApp>(std::move(app), pid);
+        }
+    }
+    return nullptr;
+}
+
+} // namespace lectorbell::atspi

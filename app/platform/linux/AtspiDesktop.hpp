@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/AccessibilityApp.hpp"
+#include "platform/linux/X11Windows.hpp"
+
+#include <optional>
+
+namespace lectorbell::atspi {
+
+// The AT-SPI accessibility bus and the X display. Use it from one thread only (the
+// extractor's worker): the accessibility client library is not thread-safe.
+class AtspiDesktop final : public AccessibilityDesktop {
+public:
+    AtspiDesktop();
+
+    bool isTrusted() override;
+    std::optional<ProcessID> processAt(ScreenPoint point) override;
+    std::optional<ProcessID> frontmostProcess() override;
+    std::unique_ptr<AccessibilityApp> application(ProcessID pid) override;
+
+    // Whether the bus tells toolkits to expose their trees (org.a11y.Status IsEnabled); no
+    // value when the bus cannot be asked.
+    static std::optional<bool> toolkitAccessibilityEnabled();
+    // Sets IsEnabled and ScreenReaderEnabled, which also stores the setting for the session's
+    // future applications. Applications that build their tree only at start must be restarted.
+    static bool enableToolkitAccessibility();
+
+private:
+    bool connect();
+
+    std::optional<bool> connected_;
+    x11::WindowOwners windows_;
+};
+
+} // namespace lectorbell::atspi

@@ -1,0 +1,19 @@
+#include "sources/WalkContext.hpp"
+
+#include <cmath>
+#include <cstdio>
+
+namespace lectorbell {
+
+std::string traceNumber(double value) {
+    double rounded = std::round(value * 10) / 10;
+    char buffer[32];
+    if (rounded == std::floor(rounded)) {
+        std::snprintf(buffer, sizeof buffer, "%.0f", rounded);
+    } else {
+        std::snprintf(buffer, sizeof buffer, "%.1f", rounded);
+    }
+    return buffer;
+}
+
+} // namespace lectorbell

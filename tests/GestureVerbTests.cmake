@@ -13,19 +13,13 @@ function(gesture_case name)
     string(APPEND expected "\n")
   endif()
   file(WRITE "${dir}/${name}.expected" "${expected}")
-  set(status 0)
-  if(DEFINED CASE_STATUS)
-    set(status ${CASE_STATUS})
+  # Empty values count as not given.
+  set(extra STATUS "${CASE_STATUS}" STDERR_MATCH "${CASE_STDERR_MATCH}")
+  if(CASE_STDIN)
+    list(APPEND extra STDIN)
   endif()
-  set(extra "")
-  if(DEFINED CASE_STDERR_MATCH)
-    list(APPEND extra "-DSTDERR_MATCH=${CASE_STDERR_MATCH}")
-  endif()
-  add_test(NAME cli.gesture.${name}
-           COMMAND ${CMAKE_COMMAND} -DEXE=$<TARGET_FILE:lectorbell> -DVERB=gesture
-                   "-DINPUT=${dir}/${name}.events" -DSTDIN=${CASE_STDIN}
-                   "-DEXPECTED=${dir}/${name}.expected" -DSTATUS=${status} ${extra}
-                   -P ${CMAKE_CURRENT_LIST_DIR}/CheckVerb.cmake)
+  add_verb_check(cli.gesture.${name} VERB gesture INPUT "${dir}/${name}.events"
+                 EXPECTED "${dir}/${name}.expected" ${extra})
 endfunction()
 
 # Default mode: speech waits until the press has lasted 0.15 s.

@@ -4,20 +4,11 @@
 # verb_golden(<name> INPUT <file> [STATUS <n>] [STDERR_MATCH <regex>] COMMAND <verb> <arg>...)
 function(verb_golden name)
   cmake_parse_arguments(PARSE_ARGV 1 CASE "" "INPUT;STATUS;STDERR_MATCH" "COMMAND")
-  list(JOIN CASE_COMMAND "$<SEMICOLON>" verb)
-  set(status 0)
-  if(DEFINED CASE_STATUS)
-    set(status ${CASE_STATUS})
-  endif()
-  set(extra "")
-  if(DEFINED CASE_STDERR_MATCH)
-    list(APPEND extra "-DSTDERR_MATCH=${CASE_STDERR_MATCH}")
-  endif()
   set(golden "${CMAKE_CURRENT_LIST_DIR}/golden")
-  add_test(NAME cli.${name}
-           COMMAND ${CMAKE_COMMAND} -DEXE=$<TARGET_FILE:lectorbell> "-DVERB=${verb}"
-                   "-DINPUT=${golden}/${CASE_INPUT}.txt" "-DEXPECTED=${golden}/${name}.expected"
-                   -DSTATUS=${status} ${extra} -P ${CMAKE_CURRENT_LIST_DIR}/CheckVerb.cmake)
+  # Empty values count as not given.
+  set(extra STATUS "${CASE_STATUS}" STDERR_MATCH "${CASE_STDERR_MATCH}")
+  add_verb_check(cli.${name} VERB ${CASE_COMMAND} INPUT "${golden}/${CASE_INPUT}.txt"
+                 EXPECTED "${golden}/${name}.expected" ${extra})
 endfunction()
 
 verb_golden(chunks-markup INPUT chunks-markup COMMAND chunks)

@@ -13,18 +13,20 @@ namespace lectorbell::AnchorResolver {
 
 namespace {
 
-// One word iterator per thread: creating one loads ICU's rules, which costs more than a lookup.
-icu::BreakIterator& wordIterator() {
-    thread_local std::unique_ptr<icu::BreakIterator> iterator = [] {
-        UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::BreakIterator> it{
-            icu::BreakIterator::createWordInstance(icu::Locale::getRoot(), status)};
-        if (U_FAILURE(status) || !it) {
-            fatalError("ICU word break iterator unavailable");
-        }
-        return it;
-    }();
-    return *iterator;
+icu::BreakIterator* newWordIterator() {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::BreakIterator* it = icu::BreakIterator::createWordInstance(icu::Locale::getRoot(), status);
+    if (U_FAILURE(status) || it == nullptr) {
+        fatalError("ICU word break iterator unavailable");
+    }
+    return it;
+}
+
+// ICU's rules are loaded once; each lookup clones the prototype (cheap, and safe from any
+// thread), so no iterator state is shared.
+std::unique_ptr<icu::BreakIterator> wordIterator() {
+    static const std::unique_ptr<icu::BreakIterator> prototype{newWordIterator()};
+    return std::unique_ptr<icu::BreakIterator>{prototype->clone()};
 }
 
 // Paragraph separators as platform strings see them: LF, CR (CR LF counts once) and U+2029.
@@ -90,13 +92,13 @@ std::vector<UTF16Range> wordRanges(std::u16string_view text, UTF16Range within) 
     UText utext = UTEXT_INITIALIZER;
     UErrorCode status = U_ZERO_ERROR;
     utext_openUChars(&utext, part.data(), static_cast<int64_t>(part.size()), &status);
-    icu::BreakIterator& it = wordIterator();
-    it.setText(&utext, status);
+    std::unique_ptr<icu::BreakIterator> it = wordIterator();
+    it->setText(&utext, status);
     if (U_SUCCESS(status)) {
-        int32_t start = it.first();
-        for (int32_t end = it.next(); end != icu::BreakIterator::DONE;
-             start = end, end = it.next()) {
-            if (it.getRuleStatus() != UBRK_WORD_NONE) {
+        int32_t start = it->first();
+        for (int32_t end = it->next(); end != icu::BreakIterator::DONE;
+             start = end, end = it->next()) {
+            if (it->getRuleStatus() != UBRK_WORD_NONE) {
                 words.push_back({range->location + start, end - start});
             }
         }

@@ -3,6 +3,7 @@
 #include "lectorbell/ReadingOrderEngine.hpp"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <unordered_map>
 
@@ -53,17 +54,23 @@ std::vector<Line> cleanLines(const std::vector<OCRLine>& lines, float minConfide
     return kept;
 }
 
+// A repeat overlaps a kept line by more than half their union, so it is less than twice as high
+// and its top lies within one of its own heights of the kept line's top: only kept lines of the
+// same text with a top in that window are compared.
 std::vector<Line> dedupe(std::vector<Line> lines) {
     std::vector<Line> kept;
     kept.reserve(lines.size());
-    std::unordered_map<std::u16string, std::vector<std::size_t>> byText;
+    std::unordered_map<std::u16string, std::multimap<double, std::size_t>> byText;
     for (Line& line : lines) {
-        std::vector<std::size_t>& same = byText[line.text];
-        bool repeated = std::any_of(same.begin(), same.end(), [&](std::size_t k) {
-            return kept[k].rect.intersectionOverUnion(line.rect) > 0.5;
-        });
+        std::multimap<double, std::size_t>& same = byText[line.text];
+        const double h = line.rect.height();
+        bool repeated = false;
+        for (auto it = same.upper_bound(line.rect.minY() - h);
+             it != same.end() && it->first < line.rect.minY() + h && !repeated; ++it) {
+            repeated = kept[it->second].rect.intersectionOverUnion(line.rect) > 0.5;
+        }
         if (!repeated) {
-            same.push_back(kept.size());
+            same.emplace(line.rect.minY(), kept.size());
             kept.push_back(std::move(line));
         }
     }

@@ -36,12 +36,15 @@ void nameSideColumns(std::vector<Block>& blocks) {
     }
 }
 
-// The page's first heading is its title when set in larger type than the page's text.
+// The page's first heading is its title when set in larger type than the page's running text
+// (table cells, whose recognised boxes vary most, are left out of that measure).
 void markTitle(std::vector<Block>& blocks) {
     std::vector<double> heights;
     for (const Block& block : blocks) {
         for (const Line& line : block.lines) {
-            heights.push_back(line.rect.height());
+            if (!block.tableRows) {
+                heights.push_back(line.rect.height());
+            }
         }
     }
     const double typical = median(std::move(heights));

@@ -72,8 +72,12 @@ void appendLine(Paragraph& paragraph, const Line& line) {
             std::u16string_view{paragraph.text}.substr(previousStart), line.text);
         paragraph.text.resize(previousStart);
         paragraph.text += joined;
-        paragraph.lineOffsets.push_back(
-            static_cast<std::int64_t>(paragraph.text.size() - line.text.size()));
+        // Joining keeps the new line whole at the end; should it ever not, the line starts
+        // where the previous one did rather than before it.
+        const std::size_t end = paragraph.text.size();
+        const std::size_t start =
+            end >= previousStart + line.text.size() ? end - line.text.size() : previousStart;
+        paragraph.lineOffsets.push_back(static_cast<std::int64_t>(start));
         paragraph.rect = paragraph.rect.united(line.rect);
     }
     paragraph.lines.push_back(line);

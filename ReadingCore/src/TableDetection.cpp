@@ -10,7 +10,7 @@
 // column when it overlaps the column's span or shares its left or right edge within a line
 // height (text columns align left, number columns right); every cell of a row must take a
 // different column, in order. A row needs two cells; a run ends at a row that does not line up,
-// at a one-cell row, or at a vertical gap of more than 2.5 line heights.
+// at a one-cell row, or at a vertical gap of more than 2.5 line heights (of its first row).
 namespace lectorbell::ReadingOrderEngine {
 
 namespace {
@@ -108,12 +108,12 @@ std::optional<std::vector<std::size_t>> columnsOfRow(const Row& row, const std::
     return taken;
 }
 
+// The line height of a run is that of its first row: measuring every row again for each new
+// one would make long runs of side-by-side prose quadratic.
 double runLineHeight(const Run& run, const std::vector<Line>& lines) {
     std::vector<double> heights;
-    for (const Row* row : run.rows) {
-        for (std::size_t cell : row->cells) {
-            heights.push_back(lines[cell].rect.height());
-        }
+    for (std::size_t cell : run.rows.front()->cells) {
+        heights.push_back(lines[cell].rect.height());
     }
     return median(std::move(heights));
 }

@@ -121,6 +121,7 @@ std::optional<std::u16string> highlightedPart(const OCRLine& line, const PixelBu
 std::optional<std::u16string> selectedText(const std::vector<OCRLine>& lines,
                                            const PixelBuffer& image) {
     std::vector<const OCRLine*> ordered;
+    ordered.reserve(lines.size());
     for (const OCRLine& line : lines) {
         ordered.push_back(&line);
     }

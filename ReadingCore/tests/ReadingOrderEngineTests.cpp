@@ -302,3 +302,37 @@ TEST(ReadingOrderEngine, RemovesInterfaceText) {
 
 } // namespace
 } // namespace lectorbell
+
+namespace lectorbell {
+namespace {
+
+TEST(ReadingOrderEngine, ConfidenceFollowsTheLinesRead) {
+    struct Case {
+        float confidence;
+        ConfidenceCategory expected;
+    };
+    const Case cases[] = {{0.97F, ConfidenceCategory::high},
+                          {0.85F, ConfidenceCategory::high},
+                          {0.7F, ConfidenceCategory::medium},
+                          {0.45F, ConfidenceCategory::low}};
+    for (const Case& c : cases) {
+        std::vector<OCRLine> lines{test::ocrLine(u"Only this line.", 10, 10, 12, 6, c.confidence)};
+        auto outcome = ReadingOrderEngine::read(lines, {20, 15});
+        ASSERT_TRUE(std::holds_alternative<OCRReadingResult>(outcome));
+        EXPECT_EQ(std::get<OCRReadingResult>(outcome).confidence, c.expected) << c.confidence;
+    }
+}
+
+TEST(ReadingOrderEngine, ReadAllStartsAtTheMainText) {
+    auto outcome = ReadingOrderEngine::readAll(sidebarPage());
+    ASSERT_TRUE(std::holds_alternative<OCRReadingResult>(outcome));
+    const auto& result = std::get<OCRReadingResult>(outcome);
+    EXPECT_EQ(result.precision, AnchorPrecision::element);
+    ASSERT_EQ(result.blocks.size(), 1U);
+    EXPECT_EQ(result.blocks[0].role, BlockRole::body);
+    EXPECT_EQ(std::get<ReadingError>(ReadingOrderEngine::readAll({})).kind(),
+              ReadingError::Kind::ocrFoundNothing);
+}
+
+} // namespace
+} // namespace lectorbell

@@ -6,10 +6,11 @@
 #include "platform/linux/ImageFile.hpp"
 #include "platform/linux/TesseractRecognizer.hpp"
 
+#include <array>
 #include <cmath>
+#include <cstdio>
 #include <iostream>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
 
@@ -44,6 +45,21 @@ std::optional<ScreenPoint> parsePoint(const std::string& text) {
     return ScreenPoint{x, y};
 }
 
+// A coordinate in points with at most two decimals ("80", "101.5").
+std::string number(double value) {
+    if (!std::isfinite(value)) {
+        return "0";
+    }
+    std::array<char, 64> buffer{};
+    std::snprintf(buffer.data(), buffer.size(), "%.2f", value);
+    std::string text{buffer.data()};
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') {
+        text.pop_back();
+    }
+    return text == "-0" ? "0" : text;
+}
+
 void printResult(const OCRReadingResult& result, bool json) {
     if (!json) {
         std::cout << "precision: " << description(result.precision) << '\n'
@@ -53,17 +69,19 @@ void printResult(const OCRReadingResult& result, bool json) {
         }
         return;
     }
-    nlohmann::json blocks = nlohmann::json::array();
+    std::cout << "{\"precision\": " << jsonString(description(result.precision))
+              << ", \"confidence\": " << jsonString(rawValue(result.confidence))
+              << ", \"blocks\": [";
+    const char* separator = "";
     for (const ReadingBlock& block : result.blocks) {
-        ScreenRect bounds = block.bounds.value_or(ScreenRect{});
-        blocks.push_back({{"role", rawValue(block.role)},
-                          {"text", toUtf8(block.text)},
-                          {"bounds", {bounds.x(), bounds.y(), bounds.width(), bounds.height()}}});
+        const ScreenRect bounds = block.bounds.value_or(ScreenRect{});
+        std::cout << separator << "{\"role\": " << jsonString(rawValue(block.role))
+                  << ", \"text\": " << jsonString(block.text) << ", \"bounds\": ["
+                  << number(bounds.x()) << ", " << number(bounds.y()) << ", "
+                  << number(bounds.width()) << ", " << number(bounds.height()) << "]}";
+        separator = ", ";
     }
-    nlohmann::json out{{"precision", description(result.precision)},
-                       {"confidence", rawValue(result.confidence)},
-                       {"blocks", std::move(blocks)}};
-    std::cout << out.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout << "]}\n";
 }
 
 int printError(const ReadingError& error, bool json) {

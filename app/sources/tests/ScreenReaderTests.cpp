@@ -16,7 +16,9 @@
 #include <X11/Xutil.h>
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstring>
+#include <sys/wait.h>
 
 namespace lectorbell::sources {
 namespace {
@@ -170,6 +172,59 @@ TEST_F(ScreenReading, FindsTheLightBlueHighlightByItsColour) {
     EXPECT_EQ(text.rfind("nobody in the village had seen such waves.", 0), 0U) << text;
     EXPECT_EQ(text.find("paragraph"), std::string::npos) << text;
     EXPECT_TRUE(ocr->pixelBuffer(ScreenRect{0, 0, 100, 100}));
+}
+
+// The verb, through the real binary, with a fully transparent window lying over the page: the
+// window under the point is the page, not the overlay.
+std::string run(const std::string& arguments, int* status) {
+    std::string command = std::string{LECTORBELL_EXECUTABLE} + " " + arguments + " 2>/dev/null";
+    std::string out;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        *status = -1;
+        return out;
+    }
+    char buffer[4096];
+    std::size_t n = 0;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
+        out.append(buffer, n);
+    }
+    *status = WEXITSTATUS(pclose(pipe));
+    return out;
+}
+
+TEST_F(ScreenReading, TheOcrVerbReadsTheWindowUnderThePoint) {
+    XSetWindowAttributes attributes{};
+    attributes.override_redirect = True;
+    attributes.background_pixmap = None;
+    ::Window overlay =
+        XCreateWindow(display, DefaultRootWindow(display), 0, 0, 900, 520, 0, CopyFromParent,
+                      InputOutput, CopyFromParent, CWOverrideRedirect | CWBackPixmap, &attributes);
+    unsigned long transparent = 0;
+    XChangeProperty(display, overlay, XInternAtom(display, "_NET_WM_WINDOW_OPACITY", False),
+                    XA_CARDINAL, 32, PropModeReplace,
+                    reinterpret_cast<unsigned char*>(&transparent), 1);
+    XMapRaised(display, overlay);
+    XSync(display, False);
+
+    int status = 0;
+    std::string out =
+        run("ocr --screen --at " + std::to_string(marginX + 29 * 10 + 45) + ",174", &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(lower(out).rfind("precision: word\n", 0), 0U) << out;
+    EXPECT_NE(lower(out).find("band\tbody\tlighthouse keepers"), std::string::npos) << out;
+    EXPECT_NE(lower(out).find("rest\tbody\t"), std::string::npos) << out;
+    EXPECT_NE(out.find("timings: capture "), std::string::npos) << out;
+
+    out = run("ocr --screen --selection --at 100,100", &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(lower(out).rfind("nobody in the village had seen such waves.", 0), 0U) << out;
+
+    out = run("ocr --screen --json --at 1000,700", &status); // the empty root window
+    EXPECT_EQ(status, 3);
+    EXPECT_EQ(out, "{\"error\": \"No app window under the pointer\"}\n");
+    XDestroyWindow(display, overlay);
+    XSync(display, False);
 }
 
 TEST_F(ScreenReading, AWindowThatIsNotThereReadsNothing) {

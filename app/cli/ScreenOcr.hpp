@@ -1,0 +1,10 @@
+#pragma once
+
+#include "lectorbell/ScreenGeometry.hpp"
+
+namespace lectorbell::cli {
+
+// `ocr --screen`: the window under the point captured once and read from there, band first.
+int runScreenOcr(ScreenPoint at, bool selection, bool json);
+
+} // namespace lectorbell::cli

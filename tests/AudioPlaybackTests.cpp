@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTimer>
+#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
 
@@ -202,5 +203,10 @@ TEST(AudioPlayback, NoSoundServerGivesAClearErrorAtOnce) {
 int main(int argc, char** argv) {
     QCoreApplication app{argc, argv};
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    // Qt 6.4 tears its PulseAudio context down at exit without locking the main loop, which now
+    // and then aborts inside libpulse after every test has passed. The result is known by then:
+    // leave without running the global destructors.
+    std::fflush(nullptr);
+    std::_Exit(result);
 }

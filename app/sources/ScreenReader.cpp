@@ -3,7 +3,9 @@
 #include "lectorbell/CoreLog.hpp"
 #include "lectorbell/Diagnostics.hpp"
 #include "lectorbell/ScreenBands.hpp"
+#include "lectorbell/TextSegmenter.hpp"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -16,6 +18,28 @@ constexpr double edgeReach = 30;
 
 std::int64_t since(std::uint64_t start) {
     return static_cast<std::int64_t>((monotonicUptimeNanoseconds() - start) / 1'000'000);
+}
+
+// A paragraph that runs on past the band's bottom edge would be spoken as two blocks, with a
+// pause in the middle of a sentence. Unless it is the only one, it is left to the rest, which
+// then starts at its top.
+void leaveCutParagraphToRest(BandReading& reading) {
+    std::vector<ReadingBlock>& blocks = reading.result.blocks;
+    if (blocks.size() < 2 || !blocks.back().bounds) {
+        return;
+    }
+    const ScreenRect last = *blocks.back().bounds;
+    // Closer to the edge than a gap between paragraphs: the band's edge cut it.
+    const bool reachesEdge = reading.band.maxY() - last.maxY() < 12;
+    const std::u16string& text = blocks.back().text;
+    const bool endsSentence =
+        !text.empty() &&
+        TextSegmenter::isTerminalPunctuation(std::u16string_view{text}.substr(text.size() - 1));
+    if (reachesEdge && !endsSentence) {
+        reading.band = ScreenRect{reading.band.minX(), reading.band.minY(), reading.band.width(),
+                                  std::max(last.minY() - 1 - reading.band.minY(), 0.0)};
+        blocks.pop_back();
+    }
 }
 
 } // namespace
@@ -67,6 +91,7 @@ std::variant<BandReading, ReadingError> ScreenReader::readBand(const platform::T
         ReadingOrderEngine::ReadOutcome outcome = ReadingOrderEngine::read(lines, pointer);
         if (auto* result = std::get_if<OCRReadingResult>(&outcome)) {
             reading.result = std::move(*result);
+            leaveCutParagraphToRest(reading);
             reading.layoutMS = since(start);
             return reading;
         }

@@ -22,7 +22,7 @@ struct Desktop {
         if (!server) {
             return;
         }
-        display = XOpenDisplay(nullptr);
+        display = server->client();
         XSetWindowAttributes attributes{};
         attributes.override_redirect = True;
         attributes.background_pixel = WhitePixel(display, DefaultScreen(display));
@@ -52,9 +52,6 @@ struct Desktop {
     ~Desktop() {
         ocr.reset();
         connection.reset();
-        if (display != nullptr) {
-            XCloseDisplay(display);
-        }
     }
     platform::TargetWindow target() const {
         return {static_cast<std::uint32_t>(window), 0, ScreenRect{0, 0, 1280, 800}, std::nullopt};

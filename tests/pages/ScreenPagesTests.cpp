@@ -63,8 +63,7 @@ TEST_P(ScreenPages, ReadFromTheScreenInOrder) {
     if (!server) {
         GTEST_SKIP() << "Xvfb is not installed";
     }
-    ::Display* display = XOpenDisplay(nullptr);
-    ASSERT_NE(display, nullptr);
+    ::Display* display = server->client();
     ::Window window = showImage(display, pixels);
 
     auto connection = platform::x11::Connection::open();
@@ -107,7 +106,6 @@ TEST_P(ScreenPages, ReadFromTheScreenInOrder) {
     EXPECT_LE(pages::errorRate(got, want), pages::maxCharacterErrorRate)
         << "got:  " << toUtf8(got) << "\nwant: " << toUtf8(want);
     XDestroyWindow(display, window);
-    XCloseDisplay(display);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rendered, ScreenPages,

@@ -1,5 +1,6 @@
 #include "XvfbServer.hpp"
 
+#include <X11/Xlib.h>
 #include <cstdlib>
 #include <poll.h>
 #include <signal.h>
@@ -46,10 +47,17 @@ std::unique_ptr<XvfbServer> XvfbServer::start(int width, int height) {
     }
     std::string display = ":" + number;
     setenv("DISPLAY", display.c_str(), 1);
-    return std::unique_ptr<XvfbServer>(new XvfbServer(pid, display));
+    ::Display* client = XOpenDisplay(display.c_str());
+    if (client == nullptr) {
+        kill(pid, SIGTERM);
+        waitpid(pid, nullptr, 0);
+        return nullptr;
+    }
+    return std::unique_ptr<XvfbServer>(new XvfbServer(pid, display, client));
 }
 
 XvfbServer::~XvfbServer() {
+    XCloseDisplay(client_);
     kill(pid_, SIGTERM);
     waitpid(pid_, nullptr, 0);
 }

@@ -54,15 +54,10 @@ protected:
         if (server == nullptr) {
             return;
         }
-        display = XOpenDisplay(nullptr);
+        display = server->client();
         window = drawPage();
     }
-    static void TearDownTestSuite() {
-        if (display != nullptr) {
-            XCloseDisplay(display);
-        }
-        delete server;
-    }
+    static void TearDownTestSuite() { delete server; }
     void SetUp() override {
         if (display == nullptr) {
             GTEST_SKIP() << "Xvfb is not installed";

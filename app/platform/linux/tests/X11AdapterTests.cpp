@@ -22,16 +22,9 @@ class X11Adapters : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         server = lectorbell::testing::XvfbServer::start(1280, 800).release();
-        if (server != nullptr) {
-            display = XOpenDisplay(nullptr);
-        }
+        display = server != nullptr ? server->client() : nullptr;
     }
-    static void TearDownTestSuite() {
-        if (display != nullptr) {
-            XCloseDisplay(display);
-        }
-        delete server;
-    }
+    static void TearDownTestSuite() { delete server; }
     void SetUp() override {
         if (display == nullptr) {
             GTEST_SKIP() << "Xvfb is not installed";

@@ -26,6 +26,9 @@ public:
     // Asks an application that builds its tree only on request (Chromium, Electron) to build it.
     // True when the request was made and accepted.
     virtual bool requestManualAccessibility() = 0;
+    // Whether a large tree may be read ahead in bulk for a long walk. Off for a quick lookup,
+    // which looks at too few elements to pay for it.
+    virtual void allowReadAhead(bool allowed) = 0;
 };
 
 // The desktop's accessibility service: whether it can be used, and the applications on it.

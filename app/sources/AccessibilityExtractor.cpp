@@ -78,6 +78,7 @@ AccessibilityExtractor::extractAtCursor(ProcessID pid, ScreenPoint point,
         return {};
     }
     quickWalk_ = quick;
+    app->allowReadAhead(!quick);
     enableManualAccessibilityIfNeeded(*app, pid, bundlePath);
     CursorOutcome outcome = extractIn(*app, point);
     quickWalk_ = false;

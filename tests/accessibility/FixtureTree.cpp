@@ -427,6 +427,8 @@ public:
         ++tree_->manualRequests_;
         return true;
     }
+    // The fixture answers from memory: nothing to read ahead.
+    void allowReadAhead(bool /*allowed*/) override {}
 
 private:
     static std::shared_ptr<Node> deepest(const std::shared_ptr<Node>& node, ScreenPoint point) {

@@ -31,5 +31,62 @@ json_field '" ".join(b["text"] for b in j["result"]["blocks"])' | grep -q "the b
 [[ "$probe_out" != *"Sidebar entry"* ]] && pass "navigation left out" || fail "navigation read: $probe_out"
 
 expect_secure "$(secure_point "$app")" "hunter2sesame"
+
+# A long page, long enough for a full walk to read the tree ahead in bulk: it must read every
+# paragraph in order, links inline, headings, no sidebar, and agree with the quick walk, which
+# asks element by element.
+long="$profile/long.html"
+{
+  echo '<!DOCTYPE html><html lang="en"><meta charset="utf-8"><title>Long article</title>'
+  echo '<body><nav aria-label="Sections"><a href="#a">Sidebar entry gamma</a></nav><main><article>'
+  echo '<p>The first paragraph holds the word lighthouse.</p>'
+  for i in $(seq 1 400); do
+    [ $((i % 50)) -eq 0 ] && echo "<h2>Part $i</h2>"
+    if [ $((i % 7)) -eq 0 ]; then
+      echo "<p>Paragraph $i has <a href=\"#l$i\">link number $i</a> inside.</p>"
+    else
+      echo "<p>Paragraph $i of the long article.</p>"
+    fi
+  done
+  echo '</article></main></body></html>'
+} >"$long"
+chromium --no-sandbox --force-renderer-accessibility --user-data-dir="$profile/long" \
+  --no-first-run --disable-gpu --disable-dev-shm-usage --window-position=0,0 \
+  --window-size=900,900 "file://$long" >/dev/null 2>&1 &
+children+=("$!")
+longApp=""
+for _ in $(seq 1 60); do
+  longApp=$(xdotool search --onlyvisible --name "Long article" getwindowpid 2>/dev/null | head -1)
+  [ -n "$longApp" ] && $TREE word "$longApp" lighthouse >/dev/null 2>&1 && break
+  sleep 0.25
+done
+point=$(word_point "$longApp" lighthouse)
+probe --at "$point" --json
+full=$probe_out
+probe --at "$point" --quick --json
+quick=$probe_out
+check=$(/usr/bin/python3 - "$full" "$quick" <<'PY'
+import json, re, sys
+full, quick = (json.loads(text)["result"] for text in sys.argv[1:3])
+text = " ".join(b["text"] for b in full["blocks"])
+numbers = [int(n) for n in re.findall(r"Paragraph (\d+)", text)]
+problems = []
+if full["walkCut"]:
+    problems.append("full walk cut")
+if numbers != list(range(1, 401)):
+    problems.append("paragraphs out of order or missing: %d found" % len(numbers))
+if "Paragraph 350 has link number 350 inside." not in text:
+    problems.append("link not inline")
+if "Part 200" not in [b["text"] for b in full["blocks"] if b["role"] == "heading"]:
+    problems.append("heading missing")
+if "Sidebar entry" in text:
+    problems.append("sidebar read")
+agree = len(quick["blocks"]) > 2 and quick["blocks"][:-1] == full["blocks"][:len(quick["blocks"]) - 1]
+if not agree:
+    problems.append("quick and full walks disagree")
+print("; ".join(problems) or "ok")
+PY
+)
+[ "$check" = ok ] && pass "long page read whole, ${probe_ms} ms quick" || fail "long page: $check"
 rm -rf "$profile"
 finish

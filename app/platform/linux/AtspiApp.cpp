@@ -43,8 +43,8 @@ std::shared_ptr<AtspiNode> focusedByCollection(AtspiNode& frame) {
     std::shared_ptr<AtspiNode> found;
     if ((*matches)->len > 0) {
         auto* accessible = g_array_index(*matches, AtspiAccessible*, 0);
-        found =
-            std::make_shared<AtspiNode>(GRef<AtspiAccessible>::retain(accessible), frame.guard());
+        found = std::make_shared<AtspiNode>(GRef<AtspiAccessible>::retain(accessible),
+                                            frame.guard(), frame.readAhead());
     }
     for (guint i = 0; i < (*matches)->len; ++i) {
         g_object_unref(g_array_index(*matches, AtspiAccessible*, i));
@@ -57,7 +57,8 @@ std::shared_ptr<AtspiNode> focusedByCollection(AtspiNode& frame) {
 
 AtspiApp::AtspiApp(GRef<AtspiAccessible> application, ProcessID pid)
     : guard_(std::make_shared<HangGuard>())
-    , root_(std::make_shared<AtspiNode>(std::move(application), guard_))
+    , root_(std::make_shared<AtspiNode>(std::move(application), guard_,
+                                        std::make_shared<AtspiReadAhead>(guard_)))
     , pid_(pid) {}
 
 AXAnswer<ElementRef> AtspiApp::elementAtPosition(ScreenPoint point) {

@@ -18,6 +18,7 @@ public:
     // Linux toolkits have no per-application switch: Chromium and Qt read the bus's status
     // when they start (see AtspiDesktop::enableToolkitAccessibility).
     bool requestManualAccessibility() override { return false; }
+    void allowReadAhead(bool allowed) override { root_->readAhead()->allow(allowed); }
 
 private:
     std::shared_ptr<HangGuard> guard_;

@@ -21,6 +21,8 @@ inline constexpr std::chrono::milliseconds hungAfter{400};
 class HangGuard {
 public:
     bool timedOut() const { return timedOut_; }
+    // For waits made outside run() (pipelined calls).
+    void markTimedOut() { timedOut_ = true; }
 
     // Runs `call(GError**)`; the answer is its value, or the failure it met.
     template <typename Call>

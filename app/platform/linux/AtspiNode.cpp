@@ -23,17 +23,34 @@ AXAnswer<ScreenRect> rectFrom(AtspiRect* rect) {
 
 } // namespace
 
-AtspiNode::AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard> guard)
+AtspiNode::AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard> guard,
+                     std::shared_ptr<AtspiReadAhead> readAhead)
     : accessible_(std::move(accessible))
-    , guard_(std::move(guard)) {}
+    , guard_(std::move(guard))
+    , readAhead_(std::move(readAhead)) {}
 
-AtspiNode::AtspiNode(GRef<AtspiAccessible> owner, int index, std::shared_ptr<HangGuard> guard)
+AtspiNode::AtspiNode(GRef<AtspiAccessible> owner, int index, std::shared_ptr<HangGuard> guard,
+                     std::shared_ptr<AtspiReadAhead> readAhead)
     : pendingOwner_(std::move(owner))
     , index_(index)
-    , guard_(std::move(guard)) {}
+    , guard_(std::move(guard))
+    , readAhead_(std::move(readAhead)) {}
+
+AtspiNode::AtspiNode(std::string path, std::shared_ptr<HangGuard> guard,
+                     std::shared_ptr<AtspiReadAhead> readAhead)
+    : guard_(std::move(guard))
+    , readAhead_(std::move(readAhead))
+    , path_(std::move(path)) {
+    if (const CachedElement* element = cached()) {
+        index_ = element->index;
+    }
+}
 
 AtspiAccessible* AtspiNode::accessible() const {
-    if (pendingOwner_) {
+    if (!accessible_ && !path_.empty() && readAhead_) {
+        accessible_ = readAhead_->accessible(path_);
+    }
+    if (pendingOwner_ && !accessible_) {
         GRef<AtspiAccessible> owner = std::move(pendingOwner_);
         pendingOwner_ = GRef<AtspiAccessible>{};
         AXAnswer<AtspiAccessible*> child = guard_->run([&](GError** e) {
@@ -57,7 +74,52 @@ std::optional<int> AtspiNode::indexInParent() {
     return index_;
 }
 
+std::optional<std::pair<std::string_view, std::string_view>> AtspiNode::identity() const {
+    if (accessible_) {
+        const AtspiObject& object = accessible_.get()->parent;
+        if (object.app && object.app->bus_name && object.path) {
+            return std::pair<std::string_view, std::string_view>{object.app->bus_name, object.path};
+        }
+        return std::nullopt;
+    }
+    if (path_.empty() && pendingOwner_ && readAhead_ && readAhead_->loaded()) {
+        // A child listed before the tree was read ahead: its place names it.
+        const AtspiObject& owner = pendingOwner_.get()->parent;
+        const CachedElement* parent =
+            owner.path && owner.app && owner.app->bus_name == readAhead_->busName()
+                ? readAhead_->element(owner.path)
+                : nullptr;
+        if (parent && parent->childrenKnown() &&
+            static_cast<std::size_t>(*index_) < parent->children.size()) {
+            path_ = parent->children[static_cast<std::size_t>(*index_)];
+        }
+    }
+    if (!path_.empty() && readAhead_) {
+        return std::pair<std::string_view, std::string_view>{readAhead_->busName(), path_};
+    }
+    return std::nullopt;
+}
+
+const CachedElement* AtspiNode::cached() const {
+    if (!readAhead_ || !readAhead_->loaded()) {
+        return nullptr;
+    }
+    std::optional<std::pair<std::string_view, std::string_view>> id = identity();
+    if (!id || id->first != readAhead_->busName()) {
+        return nullptr;
+    }
+    return readAhead_->element(std::string{id->second});
+}
+
+const PrefetchedElement* AtspiNode::prefetched() const {
+    std::optional<std::pair<std::string_view, std::string_view>> id = identity();
+    return cached() && id ? readAhead_->prefetched(std::string{id->second}) : nullptr;
+}
+
 AXAnswer<AtspiRole> AtspiNode::atspiRole() {
+    if (const CachedElement* element = cached()) {
+        return element->role;
+    }
     if (!accessible()) {
         return AXFailure::absent;
     }
@@ -73,23 +135,32 @@ AXAnswer<MappedRole> AtspiNode::mapped() {
         mapped_ = AXAnswer<MappedRole>{role ? AXFailure::absent : role.failure()};
         return *mapped_;
     }
+    const CachedElement* element = cached();
     bool multiLine = false;
     if (*role == ATSPI_ROLE_TEXT) {
-        GRef<AtspiStateSet> states =
-            GRef<AtspiStateSet>::adopt(atspi_accessible_get_state_set(accessible()));
-        multiLine = states && atspi_state_set_contains(states.get(), ATSPI_STATE_MULTI_LINE);
+        if (element) {
+            multiLine = element->hasState(ATSPI_STATE_MULTI_LINE);
+        } else {
+            GRef<AtspiStateSet> states =
+                GRef<AtspiStateSet>::adopt(atspi_accessible_get_state_set(accessible()));
+            multiLine = states && atspi_state_set_contains(states.get(), ATSPI_STATE_MULTI_LINE);
+        }
     }
     std::string xmlRoles;
     if (needsXmlRoles(*role)) {
-        xmlRoles = objectAttribute("xml-roles").value_or("");
+        const PrefetchedElement* ahead = element ? prefetched() : nullptr;
+        xmlRoles = ahead && ahead->attributesAsked ? *ahead->xmlRoles
+                                                   : objectAttribute("xml-roles").value_or("");
     }
     MappedRole result = mapRole(*role, multiLine, xmlRoles);
     // Static text runs never hold children; paragraphs and labels may.
     if (result.kind == TextKind::staticText && *role != ATSPI_ROLE_STATIC) {
         // A paragraph or label whose text runs are its own children (as Chromium exposes them)
         // is a group of those runs, not one run itself.
-        AXAnswer<gint> count = guard_->run(
-            [&](GError** e) { return atspi_accessible_get_child_count(accessible(), e); });
+        AXAnswer<gint> count =
+            element ? AXAnswer<gint>{element->childCount} : guard_->run([&](GError** e) {
+                return atspi_accessible_get_child_count(accessible(), e);
+            });
         if (count && *count > 0) {
             result.role = "AXGroup";
             result.kind = TextKind::container;
@@ -137,6 +208,13 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
         return *children_;
     }
     children_.emplace();
+    if (const CachedElement* element = cached();
+        element && element->childrenKnown() && readAhead_->resolvesPaths()) {
+        for (const std::string& path : element->children) {
+            children_->push_back(std::make_shared<AtspiNode>(path, guard_, readAhead_));
+        }
+        return *children_;
+    }
     if (!accessible()) {
         return *children_;
     }
@@ -148,8 +226,8 @@ std::vector<std::shared_ptr<AtspiNode>> AtspiNode::rawChildren() {
     // Bounded: a broken application may claim absurd counts.
     gint limit = std::min<gint>(*count, 20000);
     for (gint i = 0; i < limit; ++i) {
-        children_->push_back(
-            std::make_shared<AtspiNode>(GRef<AtspiAccessible>::retain(accessible()), i, guard_));
+        children_->push_back(std::make_shared<AtspiNode>(
+            GRef<AtspiAccessible>::retain(accessible()), i, guard_, readAhead_));
     }
     return *children_;
 }
@@ -194,7 +272,8 @@ AXAnswer<ElementRef> AtspiNode::parent() {
     if (!*parent) {
         return AXFailure::absent;
     }
-    auto node = std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*parent), guard_);
+    auto node =
+        std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*parent), guard_, readAhead_);
     AXAnswer<AtspiRole> role = node->atspiRole();
     // The desktop above the application is not part of the application's tree.
     if (role && *role == ATSPI_ROLE_DESKTOP_FRAME) {
@@ -204,6 +283,11 @@ AXAnswer<ElementRef> AtspiNode::parent() {
 }
 
 AXAnswer<ScreenRect> AtspiNode::frame() {
+    if (const PrefetchedElement* ahead = prefetched(); ahead && ahead->extentsAsked) {
+        auto* rect = g_new(AtspiRect, 1);
+        *rect = *ahead->extents;
+        return rectFrom(rect);
+    }
     if (!accessible()) {
         return AXFailure::absent;
     }
@@ -257,6 +341,9 @@ AXAnswer<ProcessID> AtspiNode::processID() {
 }
 
 AXAnswer<ElementSnapshot> AtspiNode::snapshot() {
+    if (readAhead_ && !cached()) {
+        readAhead_->noteLookedAt(accessible());
+    }
     AXAnswer<MappedRole> m = mapped();
     if (!m) {
         return m.failure();
@@ -266,10 +353,11 @@ AXAnswer<ElementSnapshot> AtspiNode::snapshot() {
     snap.subrole = m->subrole;
     if (m->kind == TextKind::staticText) {
         snap.value = value().optional();
+        // Only text is placed on screen by a walk; a container's box would cost a call each.
+        snap.frame = frame().optional();
     } else if (AXAnswer<std::vector<ElementRef>> kids = children()) {
         snap.children = std::move(*kids);
     }
-    snap.frame = frame().optional();
     if (guard_->timedOut()) {
         return AXFailure::timedOut;
     }
@@ -300,6 +388,11 @@ bool AtspiNode::isSame(const AccessibilityElement& other) const {
     }
     if (node == this) {
         return true;
+    }
+    std::optional<std::pair<std::string_view, std::string_view>> mine = identity();
+    std::optional<std::pair<std::string_view, std::string_view>> theirs = node->identity();
+    if (mine && theirs) {
+        return *mine == *theirs;
     }
     // A pending child is compared by its place, so a walk need not fetch its siblings.
     if (pendingOwner_ && node->pendingOwner_) {
@@ -352,6 +445,9 @@ std::set<std::string> AtspiNode::parameterizedNames() {
 }
 
 bool AtspiNode::hasText() {
+    if (const CachedElement* element = cached()) {
+        return element->hasText;
+    }
     if (!accessible()) {
         return false;
     }

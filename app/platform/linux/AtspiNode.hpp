@@ -2,12 +2,15 @@
 
 #include "platform/AccessibilityElement.hpp"
 #include "platform/linux/AtspiCall.hpp"
+#include "platform/linux/AtspiReadAhead.hpp"
 #include "platform/linux/AtspiRoles.hpp"
 #include "platform/linux/CodePointText.hpp"
 
 #include <atspi/atspi.h>
 #include <memory>
 #include <optional>
+#include <string_view>
+#include <utility>
 #include <variant>
 
 namespace lectorbell::atspi {
@@ -39,14 +42,20 @@ using ContentItem = std::variant<TextRun, std::shared_ptr<AtspiNode>>;
 class AtspiNode final : public AccessibilityElement,
                         public std::enable_shared_from_this<AtspiNode> {
 public:
-    AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard> guard);
+    AtspiNode(GRef<AtspiAccessible> accessible, std::shared_ptr<HangGuard> guard,
+              std::shared_ptr<AtspiReadAhead> readAhead = {});
     // A child fetched only when first used: listing a page's thousands of children costs one
     // call each, and a budgeted walk looks at few of them.
-    AtspiNode(GRef<AtspiAccessible> owner, int index, std::shared_ptr<HangGuard> guard);
+    AtspiNode(GRef<AtspiAccessible> owner, int index, std::shared_ptr<HangGuard> guard,
+              std::shared_ptr<AtspiReadAhead> readAhead = {});
+    // An element the read-ahead knows by its path; its library object is made when needed.
+    AtspiNode(std::string path, std::shared_ptr<HangGuard> guard,
+              std::shared_ptr<AtspiReadAhead> readAhead);
 
     // Null when the element is gone (or a pending child could not be fetched).
     AtspiAccessible* accessible() const;
     const std::shared_ptr<HangGuard>& guard() const { return guard_; }
+    const std::shared_ptr<AtspiReadAhead>& readAhead() const { return readAhead_; }
     // Role, subrole and how the node's text is treated; no value when the call failed.
     AXAnswer<MappedRole> mapped();
     AXAnswer<AtspiRole> atspiRole();
@@ -103,6 +112,11 @@ private:
     const TextRun* ownRun();
 
     std::optional<int> indexInParent();
+    // What the read-ahead knows of this element, without fetching it.
+    const CachedElement* cached() const;
+    const PrefetchedElement* prefetched() const;
+    // The element's bus name and path when known without a call.
+    std::optional<std::pair<std::string_view, std::string_view>> identity() const;
 
     mutable GRef<AtspiAccessible> accessible_;
     // The parent, while the child has not been fetched yet (a library object, so no cycle
@@ -110,6 +124,9 @@ private:
     mutable GRef<AtspiAccessible> pendingOwner_;
     std::optional<int> index_;
     std::shared_ptr<HangGuard> guard_;
+    std::shared_ptr<AtspiReadAhead> readAhead_;
+    // Set when the element came from the read-ahead (its object may not be made yet).
+    mutable std::string path_;
     std::optional<AXAnswer<MappedRole>> mapped_;
     std::optional<std::vector<std::shared_ptr<AtspiNode>>> children_;
     std::optional<CodePointText> text_;

@@ -78,6 +78,10 @@ const CodePointText* AtspiNode::text() {
     if (!m || m->kind == TextKind::secure) {
         return nullptr;
     }
+    if (const PrefetchedElement* ahead = prefetched(); ahead && ahead->textAsked) {
+        text_.emplace(*ahead->text);
+        return &*text_;
+    }
     GRef<AtspiText> textIface =
         GRef<AtspiText>::adopt(atspi_accessible_get_text_iface(accessible()));
     if (textIface) {

@@ -65,7 +65,8 @@ AXAnswer<std::shared_ptr<AtspiNode>> AtspiNode::deepestAt(ScreenPoint point) {
         if (!*next) {
             break;
         }
-        auto child = std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*next), guard_);
+        auto child =
+            std::make_shared<AtspiNode>(GRef<AtspiAccessible>::adopt(*next), guard_, readAhead_);
         if (child->isSame(*current)) {
             break;
         }

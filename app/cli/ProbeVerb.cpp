@@ -44,6 +44,10 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
     AccessibilityExtractor extractor{desktop, ExtractorConfig{}, context};
     if (!desktop.isTrusted()) {
         report.cursor.error = ReadingError{ReadingError::Kind::accessibilityPermissionNeeded};
+        if (atspi::AtspiDesktop::toolkitAccessibilityEnabled() == false) {
+            report.notice = "accessibility is off for apps: `lectorbell accessibility --enable` "
+                            "turns it on";
+        }
     } else if (options.selection) {
         std::optional<ProcessID> front = desktop.frontmostProcess();
         if (!front) {

@@ -12,6 +12,7 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addPaceVerb(app, outcome);
     addProbeVerb(app, outcome);
     addOcrVerb(app, outcome);
+    addAccessibilityVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

@@ -21,5 +21,6 @@ void addVoicesVerb(CLI::App& app, VerbOutcome& outcome);
 void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
 void addProbeVerb(CLI::App& app, VerbOutcome& outcome);
 void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
+void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

@@ -31,6 +31,15 @@ public:
     virtual void allowReadAhead(bool allowed) = 0;
 };
 
+// What asking for the desktop's accessibility changed.
+struct AccessibilityGrant {
+    // True when it was off and is now on; false when it already was on.
+    bool switchedOn = false;
+    // Running applications, by name, that look for the switch only as they start: they expose
+    // nothing until they are restarted.
+    std::vector<std::string> restartNeeded;
+};
+
 // The desktop's accessibility service: whether it can be used, and the applications on it.
 class AccessibilityDesktop {
 public:
@@ -38,6 +47,9 @@ public:
 
     // The service is reachable and applications are told to expose their trees.
     virtual bool isTrusted() = 0;
+    // Turns the service on for applications, for good (it stays on for later sessions); no
+    // value when the service cannot be reached or refuses.
+    virtual std::optional<AccessibilityGrant> requestTrust() = 0;
     // The application that owns the window at a global screen point.
     virtual std::optional<ProcessID> processAt(ScreenPoint point) = 0;
     // The application of the focused (active) window.

@@ -26,6 +26,11 @@ public:
     static std::unique_ptr<FixtureTree> fromFile(const std::string& name);
 
     bool isTrusted() override { return trusted; }
+    std::optional<AccessibilityGrant> requestTrust() override {
+        bool wasOff = !trusted;
+        trusted = true;
+        return AccessibilityGrant{wasOff, {}};
+    }
     std::optional<ProcessID> processAt(ScreenPoint) override { return pid_; }
     std::optional<ProcessID> frontmostProcess() override { return pid_; }
     std::unique_ptr<AccessibilityApp> application(ProcessID pid) override;

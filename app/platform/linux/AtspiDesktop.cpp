@@ -1,8 +1,11 @@
 #include "platform/linux/AtspiDesktop.hpp"
 
 #include "platform/linux/AtspiApp.hpp"
+#include "platform/linux/ProcessInfo.hpp"
 
+#include <algorithm>
 #include <gio/gio.h>
+#include <unistd.h>
 
 namespace lectorbell::atspi {
 
@@ -92,6 +95,75 @@ bool AtspiDesktop::isTrusted() {
     return enabled.value_or(false);
 }
 
+std::optional<AccessibilityGrant> AtspiDesktop::requestTrust() {
+    if (!connect()) {
+        return std::nullopt;
+    }
+    std::optional<bool> enabled = toolkitAccessibilityEnabled();
+    if (!enabled) {
+        return std::nullopt;
+    }
+    AccessibilityGrant grant;
+    if (*enabled) {
+        return grant;
+    }
+    if (!enableToolkitAccessibility()) {
+        return std::nullopt;
+    }
+    grant.switchedOn = true;
+    // Applications with a window but without a tree on the bus, of toolkits that look for the
+    // switch only as they start.
+    std::vector<std::pair<ProcessID, GRef<AtspiAccessible>>> onBus = busApplications();
+    for (ProcessID pid : windows_.visibleProcesses()) {
+        if (pid == static_cast<ProcessID>(getpid()) ||
+            std::any_of(onBus.begin(), onBus.end(),
+                        [pid](const auto& app) { return app.first == pid; }) ||
+            !readsAccessibilitySwitchAtStart(pid)) {
+            continue;
+        }
+        std::string name = processName(pid);
+        if (std::find(grant.restartNeeded.begin(), grant.restartNeeded.end(), name) ==
+            grant.restartNeeded.end()) {
+            grant.restartNeeded.push_back(std::move(name));
+        }
+    }
+    return grant;
+}
+
+std::vector<std::pair<ProcessID, GRef<AtspiAccessible>>> AtspiDesktop::busApplications() {
+    std::vector<std::pair<ProcessID, GRef<AtspiAccessible>>> applications;
+    if (!connect()) {
+        return applications;
+    }
+    GRef<AtspiAccessible> desktop = GRef<AtspiAccessible>::adopt(atspi_get_desktop(0));
+    if (!desktop) {
+        return applications;
+    }
+    // Only the bus is asked here (process ids come from the bus daemon), never the
+    // applications themselves: a hung application elsewhere costs nothing.
+    GError* error = nullptr;
+    int count = atspi_accessible_get_child_count(desktop.get(), &error);
+    if (error) {
+        g_error_free(error);
+        return applications;
+    }
+    for (int i = 0; i < count && i < applicationLimit; ++i) {
+        GRef<AtspiAccessible> app = GRef<AtspiAccessible>::adopt(
+            atspi_accessible_get_child_at_index(desktop.get(), i, &error));
+        if (!error && app) {
+            guint owner = atspi_accessible_get_process_id(app.get(), &error);
+            if (!error) {
+                applications.emplace_back(static_cast<ProcessID>(owner), std::move(app));
+            }
+        }
+        if (error) {
+            g_error_free(error);
+            error = nullptr;
+        }
+    }
+    return applications;
+}
+
 std::optional<ProcessID> AtspiDesktop::processAt(ScreenPoint point) {
     return windows_.processAt(point);
 }
@@ -101,39 +173,8 @@ std::optional<ProcessID> AtspiDesktop::frontmostProcess() {
 }
 
 std::unique_ptr<AccessibilityApp> AtspiDesktop::application(ProcessID pid) {
-    if (!connect()) {
-        return nullptr;
-    }
-    GRef<AtspiAccessible> desktop = GRef<AtspiAccessible>::adopt(atspi_get_desktop(0));
-    if (!desktop) {
-        return nullptr;
-    }
-    // Only the bus is asked here (process ids come from the bus daemon), never the
-    // applications themselves: a hung application elsewhere costs nothing.
-    GError* error = nullptr;
-    int count = atspi_accessible_get_child_count(desktop.get(), &error);
-    if (error) {
-        g_error_free(error);
-        return nullptr;
-    }
-    for (int i = 0; i < count && i < applicationLimit; ++i) {
-        GRef<AtspiAccessible> app = GRef<AtspiAccessible>::adopt(
-            atspi_accessible_get_child_at_index(desktop.get(), i, &error));
-        if (error) {
-            g_error_free(error);
-            error = nullptr;
-            continue;
-        }
-        if (!app) {
-            continue;
-        }
-        guint owner = atspi_accessible_get_process_id(app.get(), &error);
-        if (error) {
-            g_error_free(error);
-            error = nullptr;
-            continue;
-        }
-        if (static_cast<ProcessID>(owner) == pid) {
+    for (auto& [owner, app] : busApplications()) {
+        if (owner == pid) {
             return std::make_unique<AtspiApp>(std::move(app), pid);
         }
     }

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "platform/AccessibilityApp.hpp"
+#include "platform/linux/AtspiCall.hpp"
 #include "platform/linux/X11Windows.hpp"
 
+#include <atspi/atspi.h>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace lectorbell::atspi {
 
@@ -14,6 +18,7 @@ public:
     AtspiDesktop();
 
     bool isTrusted() override;
+    std::optional<AccessibilityGrant> requestTrust() override;
     std::optional<ProcessID> processAt(ScreenPoint point) override;
     std::optional<ProcessID> frontmostProcess() override;
     std::unique_ptr<AccessibilityApp> application(ProcessID pid) override;
@@ -27,6 +32,8 @@ public:
 
 private:
     bool connect();
+    // The applications registered on the bus, with their processes.
+    std::vector<std::pair<ProcessID, GRef<AtspiAccessible>>> busApplications();
 
     std::optional<bool> connected_;
     x11::WindowOwners windows_;

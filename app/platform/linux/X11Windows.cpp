@@ -2,6 +2,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <algorithm>
 #include <vector>
 
 namespace lectorbell::x11 {
@@ -65,6 +66,34 @@ int ignoreErrors(Display*, XErrorEvent*) {
     return 0;
 }
 
+// The root's viewable children, bottom to top, with their frames.
+std::vector<std::pair<Window, ScreenRect>> viewableTopLevels(Display* display) {
+    std::vector<std::pair<Window, ScreenRect>> windows;
+    Window unusedRoot = 0;
+    Window unusedParent = 0;
+    Window* children = nullptr;
+    unsigned int count = 0;
+    if (!XQueryTree(display, DefaultRootWindow(display), &unusedRoot, &unusedParent, &children,
+                    &count)) {
+        return windows;
+    }
+    for (unsigned int i = 0; i < count; ++i) {
+        XWindowAttributes attributes;
+        if (!XGetWindowAttributes(display, children[i], &attributes) ||
+            attributes.map_state != IsViewable || attributes.c_class == InputOnly) {
+            continue;
+        }
+        windows.emplace_back(children[i], ScreenRect{static_cast<double>(attributes.x),
+                                                     static_cast<double>(attributes.y),
+                                                     static_cast<double>(attributes.width),
+                                                     static_cast<double>(attributes.height)});
+    }
+    if (children) {
+        XFree(children);
+    }
+    return windows;
+}
+
 } // namespace
 
 WindowOwners::WindowOwners()
@@ -85,33 +114,31 @@ std::optional<ProcessID> WindowOwners::processAt(ScreenPoint point) {
     if (!display) {
         return std::nullopt;
     }
-    Window root = DefaultRootWindow(display);
-    Window unusedRoot = 0;
-    Window unusedParent = 0;
-    Window* children = nullptr;
-    unsigned int count = 0;
-    if (!XQueryTree(display, root, &unusedRoot, &unusedParent, &children, &count)) {
-        return std::nullopt;
-    }
-    std::optional<ProcessID> found;
-    // Children come bottom to top: the topmost window containing the point wins.
-    for (unsigned int i = count; i-- > 0 && !found;) {
-        XWindowAttributes attributes;
-        if (!XGetWindowAttributes(display, children[i], &attributes) ||
-            attributes.map_state != IsViewable || attributes.c_class == InputOnly) {
-            continue;
-        }
-        ScreenRect frame{static_cast<double>(attributes.x), static_cast<double>(attributes.y),
-                         static_cast<double>(attributes.width),
-                         static_cast<double>(attributes.height)};
-        if (frame.contains(point)) {
-            found = ownerOf(display, children[i], searchDepth);
+    std::vector<std::pair<Window, ScreenRect>> windows = viewableTopLevels(display);
+    // Bottom to top: the topmost window containing the point wins.
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+        if (it->second.contains(point)) {
+            if (std::optional<ProcessID> pid = ownerOf(display, it->first, searchDepth)) {
+                return pid;
+            }
         }
     }
-    if (children) {
-        XFree(children);
+    return std::nullopt;
+}
+
+std::vector<ProcessID> WindowOwners::visibleProcesses() {
+    std::vector<ProcessID> processes;
+    Display* display = asDisplay(display_);
+    if (!display) {
+        return processes;
     }
-    return found;
+    for (const auto& [window, frame] : viewableTopLevels(display)) {
+        std::optional<ProcessID> pid = ownerOf(display, window, searchDepth);
+        if (pid && std::find(processes.begin(), processes.end(), *pid) == processes.end()) {
+            processes.push_back(*pid);
+        }
+    }
+    return processes;
 }
 
 std::optional<ProcessID> WindowOwners::focusedProcess() {

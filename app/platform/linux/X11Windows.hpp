@@ -4,6 +4,7 @@
 #include "lectorbell/SelectionPolicy.hpp"
 
 #include <optional>
+#include <vector>
 
 namespace lectorbell::x11 {
 
@@ -21,6 +22,8 @@ public:
     std::optional<ProcessID> processAt(ScreenPoint point);
     // The process of the active window, else of the window holding the keyboard focus.
     std::optional<ProcessID> focusedProcess();
+    // The processes of every visible top-level window, each once.
+    std::vector<ProcessID> visibleProcesses();
 
 private:
     void* display_ = nullptr;

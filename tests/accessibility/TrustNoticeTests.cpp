@@ -1,0 +1,29 @@
+#include "sources/TrustNotice.hpp"
+
+#include <gtest/gtest.h>
+
+namespace lectorbell {
+namespace {
+
+TEST(TrustNotice, IsSaidOnlyWhenTheSwitchWasTurnedOn) {
+    struct Case {
+        AccessibilityGrant grant;
+        std::optional<std::string> expected;
+    };
+    const Case cases[] = {
+        {{false, {"chromium"}}, std::nullopt},
+        {{true, {}}, "Accessibility is now on for your apps."},
+        {{true, {"chromium"}},
+         "Accessibility is now on for your apps. Restart this app so Lectorbell can read it: "
+         "chromium."},
+        {{true, {"chromium", "okular"}},
+         "Accessibility is now on for your apps. Restart these apps so Lectorbell can read them: "
+         "chromium, okular."},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(trustNotice(c.grant), c.expected);
+    }
+}
+
+} // namespace
+} // namespace lectorbell

@@ -1,6 +1,7 @@
 #include "cli/ProbeOutput.hpp"
 #include "cli/Verbs.hpp"
 #include "platform/linux/AtspiDesktop.hpp"
+#include "platform/linux/ProcessInfo.hpp"
 #include "sources/SerialQueue.hpp"
 
 #include <charconv>
@@ -33,6 +34,24 @@ std::optional<ScreenPoint> parsePoint(const std::string& text) {
     return ScreenPoint{x, y};
 }
 
+// Why an application showed no text, when the way it was started is the reason: Qt apps
+// expose their trees only when accessibility was on as they started, and Chromium-family apps
+// their pages only with their own option.
+std::optional<std::string> startNotice(atspi::AtspiDesktop& desktop, ProcessID pid) {
+    atspi::StartupToolkit toolkit = atspi::startupToolkit(pid);
+    std::string name = atspi::processName(pid) + " (process " + std::to_string(pid) + ")";
+    if (toolkit == atspi::StartupToolkit::chromium &&
+        !atspi::startedWith(pid, atspi::chromiumAccessibilityOption)) {
+        return name + " shows no page text to accessibility: start it with " +
+               atspi::chromiumAccessibilityOption;
+    }
+    if ((toolkit == atspi::StartupToolkit::qt || toolkit == atspi::StartupToolkit::firefox) &&
+        !desktop.application(pid)) {
+        return name + " is not on the accessibility bus: restart it now that accessibility is on";
+    }
+    return std::nullopt;
+}
+
 // Runs on the extractor's worker thread: the accessibility client lives there.
 ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
     ProbeReport report;
@@ -59,12 +78,8 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
     } else if (std::optional<ProcessID> pid = desktop.processAt(point)) {
         report.pid = pid;
         report.cursor = extractor.extractAtCursor(*pid, point, std::nullopt, options.quick);
-        if (!report.cursor.result && !report.cursor.error && !desktop.application(*pid)) {
-            // Chromium, Electron and Qt applications build their tree only when accessibility
-            // is on as they start; switching it on later does not reach them.
-            report.notice = "process " + std::to_string(*pid) +
-                            " is not on the accessibility bus: restart it now that accessibility "
-                            "is on (Chromium and Electron apps: --force-renderer-accessibility)";
+        if (!report.cursor.result && !report.cursor.error) {
+            report.notice = startNotice(desktop, *pid);
         }
     } else {
         report.cursor.error = ReadingError{ReadingError::Kind::noExternalWindow};

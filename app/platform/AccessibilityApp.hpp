@@ -31,13 +31,21 @@ public:
     virtual void allowReadAhead(bool allowed) = 0;
 };
 
+// A running application that exposes nothing until it is started again.
+struct AppToRestart {
+    std::string name;
+    // What it must be started with, when the desktop's switch alone is not enough.
+    std::string startOption;
+
+    bool operator==(const AppToRestart&) const = default;
+};
+
 // What asking for the desktop's accessibility changed.
 struct AccessibilityGrant {
     // True when it was off and is now on; false when it already was on.
     bool switchedOn = false;
-    // Running applications, by name, that look for the switch only as they start: they expose
-    // nothing until they are restarted.
-    std::vector<std::string> restartNeeded;
+    // Running applications that look for the switch only as they start.
+    std::vector<AppToRestart> restartNeeded;
 };
 
 // The desktop's accessibility service: whether it can be used, and the applications on it.

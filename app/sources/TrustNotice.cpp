@@ -13,7 +13,11 @@ std::optional<std::string> trustNotice(const AccessibilityGrant& grant) {
     notice += grant.restartNeeded.size() == 1 ? " Restart this app so Lectorbell can read it: "
                                               : " Restart these apps so Lectorbell can read them: ";
     for (std::size_t i = 0; i < grant.restartNeeded.size(); ++i) {
-        notice += (i == 0 ? "" : ", ") + grant.restartNeeded[i];
+        const AppToRestart& app = grant.restartNeeded[i];
+        notice += (i == 0 ? "" : ", ") + app.name;
+        if (!app.startOption.empty()) {
+            notice += " (with " + app.startOption + ")";
+        }
     }
     return notice + ".";
 }

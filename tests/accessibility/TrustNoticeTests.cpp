@@ -11,14 +11,14 @@ TEST(TrustNotice, IsSaidOnlyWhenTheSwitchWasTurnedOn) {
         std::optional<std::string> expected;
     };
     const Case cases[] = {
-        {{false, {"chromium"}}, std::nullopt},
+        {{false, {{"okular", ""}}}, std::nullopt},
         {{true, {}}, "Accessibility is now on for your apps."},
-        {{true, {"chromium"}},
+        {{true, {{"okular", ""}}},
          "Accessibility is now on for your apps. Restart this app so Lectorbell can read it: "
-         "chromium."},
-        {{true, {"chromium", "okular"}},
+         "okular."},
+        {{true, {{"chromium", "--force-renderer-accessibility"}, {"okular", ""}}},
          "Accessibility is now on for your apps. Restart these apps so Lectorbell can read them: "
-         "chromium, okular."},
+         "chromium (with --force-renderer-accessibility), okular."},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(trustNotice(c.grant), c.expected);

@@ -30,7 +30,7 @@ probe --at "$point"
   pass "probe asks for accessibility" || fail "probe while off: $probe_status $probe_out"
 
 out=$(status --enable)
-if [[ "$out" == *"accessibility: on"* && "$out" == *"Restart this app so Lectorbell can read it: chromium."* ]]; then
+if [[ "$out" == *"accessibility: on"* && "$out" == *"Restart this app so Lectorbell can read it: chromium (with --force-renderer-accessibility)."* ]]; then
   pass "turned on, chromium named"
 else
   fail "enable: $out"
@@ -40,5 +40,10 @@ fi
 [ "$(status --enable)" = "accessibility: on" ] && pass "told once" || fail "second enable: $(status --enable)"
 
 expect_word "$point" circle text-view
+
+# Chromium keeps its page to itself until started with its own option, and the probe says so.
+probe --at 1000,200 --json
+[[ "$(json_field 'j["notice"]')" == *"shows no page text to accessibility: start it with --force-renderer-accessibility"* ]] &&
+  pass "chromium's start option named" || fail "chromium notice: $probe_out"
 rm -rf "$profile"
 finish

@@ -117,14 +117,18 @@ std::optional<AccessibilityGrant> AtspiDesktop::requestTrust() {
     for (ProcessID pid : windows_.visibleProcesses()) {
         if (pid == static_cast<ProcessID>(getpid()) ||
             std::any_of(onBus.begin(), onBus.end(),
-                        [pid](const auto& app) { return app.first == pid; }) ||
-            !readsAccessibilitySwitchAtStart(pid)) {
+                        [pid](const auto& app) { return app.first == pid; })) {
             continue;
         }
-        std::string name = processName(pid);
-        if (std::find(grant.restartNeeded.begin(), grant.restartNeeded.end(), name) ==
+        StartupToolkit toolkit = startupToolkit(pid);
+        if (toolkit == StartupToolkit::none) {
+            continue;
+        }
+        AppToRestart app{processName(pid),
+                         toolkit == StartupToolkit::chromium ? chromiumAccessibilityOption : ""};
+        if (std::find(grant.restartNeeded.begin(), grant.restartNeeded.end(), app) ==
             grant.restartNeeded.end()) {
-            grant.restartNeeded.push_back(std::move(name));
+            grant.restartNeeded.push_back(std::move(app));
         }
     }
     return grant;

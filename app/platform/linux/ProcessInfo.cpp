@@ -12,11 +12,17 @@ std::string procPath(ProcessID pid, std::string_view file) {
     return "/proc/" + std::to_string(pid) + "/" + std::string{file};
 }
 
+struct ToolkitMarker {
+    std::string_view file;
+    StartupToolkit toolkit;
+};
+
 // Files that only these toolkits map: Qt's GUI library, Chromium's resource pack (Chrome,
 // Chromium, Edge, Brave and every Electron app), Firefox's engine.
-constexpr std::array startupToolkitMarkers{
-    std::string_view{"libQt5Gui.so"}, std::string_view{"libQt6Gui.so"},
-    std::string_view{"resources.pak"}, std::string_view{"libxul.so"}};
+constexpr std::array toolkitMarkers{ToolkitMarker{"libQt5Gui.so", StartupToolkit::qt},
+                                    ToolkitMarker{"libQt6Gui.so", StartupToolkit::qt},
+                                    ToolkitMarker{"resources.pak", StartupToolkit::chromium},
+                                    ToolkitMarker{"libxul.so", StartupToolkit::firefox}};
 
 } // namespace
 
@@ -29,17 +35,28 @@ std::string processName(ProcessID pid) {
     return "process " + std::to_string(pid);
 }
 
-bool readsAccessibilitySwitchAtStart(ProcessID pid) {
-    std::ifstream maps{procPath(pid, "maps")};
-    std::string line;
-    while (maps && std::getline(maps, line)) {
-        for (std::string_view marker : startupToolkitMarkers) {
-            if (line.find(marker) != std::string::npos) {
-                return true;
-            }
+bool startedWith(ProcessID pid, std::string_view option) {
+    std::ifstream cmdline{procPath(pid, "cmdline")};
+    std::string argument;
+    while (cmdline && std::getline(cmdline, argument, '\0')) {
+        if (argument == option) {
+            return true;
         }
     }
     return false;
+}
+
+StartupToolkit startupToolkit(ProcessID pid) {
+    std::ifstream maps{procPath(pid, "maps")};
+    std::string line;
+    while (maps && std::getline(maps, line)) {
+        for (const ToolkitMarker& marker : toolkitMarkers) {
+            if (line.find(marker.file) != std::string::npos) {
+                return marker.toolkit;
+            }
+        }
+    }
+    return StartupToolkit::none;
 }
 
 } // namespace lectorbell::atspi

@@ -3,15 +3,30 @@
 #include "lectorbell/SelectionPolicy.hpp"
 
 #include <string>
+#include <string_view>
 
 namespace lectorbell::atspi {
 
 // The process's short name (its command name), or its number when that cannot be read.
 std::string processName(ProcessID pid);
 
-// Whether the process is built on a toolkit that decides as it starts whether to expose its
-// accessibility tree (Qt, Chromium and Electron, Firefox): switching accessibility on later
-// does not reach it. GTK exposes its tree always.
-bool readsAccessibilitySwitchAtStart(ProcessID pid);
+// Toolkits that decide only as they start whether to expose their accessibility trees:
+// switching accessibility on later does not reach them. GTK exposes its tree always.
+enum class StartupToolkit {
+    none,
+    qt,
+    firefox,
+    // Chromium, Chrome, Edge, Brave and Electron apps: web content only with
+    // --force-renderer-accessibility, whatever the desktop's switch says.
+    chromium,
+};
+
+StartupToolkit startupToolkit(ProcessID pid);
+
+// Whether the process's command line holds `option` as one of its arguments.
+bool startedWith(ProcessID pid, std::string_view option);
+
+// What a Chromium-family app must be started with to expose its pages.
+inline constexpr const char* chromiumAccessibilityOption = "--force-renderer-accessibility";
 
 } // namespace lectorbell::atspi

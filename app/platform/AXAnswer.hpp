@@ -31,7 +31,8 @@ public:
     AXAnswer(AXFailure failure = AXFailure::absent)
         : failure_(failure) {}
 
-    bool has_value() const { return value_.has_value(); }
+    // Named like std::optional's, so generic code takes either.
+    bool has_value() const { return value_.has_value(); } // NOLINT(readability-identifier-naming)
     explicit operator bool() const { return value_.has_value(); }
     const T& operator*() const { return *value_; }
     T& operator*() { return *value_; }

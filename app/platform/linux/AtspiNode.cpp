@@ -424,15 +424,19 @@ std::set<std::string> AtspiNode::attributeNames() {
 
 std::set<std::string> AtspiNode::parameterizedNames() {
     AXAnswer<MappedRole> m = mapped();
-    if (!m || m->kind == TextKind::secure || !hasText()) {
+    if (!m || m->kind == TextKind::secure) {
         return {};
     }
     if (m->kind == TextKind::container) {
+        // Markers come from hit tests over the document's paragraphs, not from its own text.
         AXAnswer<AtspiRole> role = atspiRole();
-        if (role && *role == ATSPI_ROLE_DOCUMENT_WEB) {
+        if (role && isDocumentRole(*role)) {
             return {"AXTextMarkerForPosition", "AXTextMarkerRangeForUnorderedTextMarkers",
                     "AXStringForTextMarkerRange"};
         }
+        return {};
+    }
+    if (!hasText()) {
         return {};
     }
     if (m->kind == TextKind::staticText) {

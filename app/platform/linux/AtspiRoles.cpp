@@ -18,6 +18,8 @@ constexpr std::array roleTable{
     RoleRow{ATSPI_ROLE_PASSWORD_TEXT, "AXSecureTextField", TextKind::secure},
     RoleRow{ATSPI_ROLE_ENTRY, "AXTextField", TextKind::textControl},
     RoleRow{ATSPI_ROLE_DOCUMENT_WEB, "AXWebArea", TextKind::container},
+    // LibreOffice Writer's page: paragraphs read on one after another, as in a web page.
+    RoleRow{ATSPI_ROLE_DOCUMENT_TEXT, "AXWebArea", TextKind::container},
     RoleRow{ATSPI_ROLE_HEADING, "AXHeading", TextKind::container},
     RoleRow{ATSPI_ROLE_TABLE, "AXTable", TextKind::container},
     RoleRow{ATSPI_ROLE_TREE_TABLE, "AXTable", TextKind::container},
@@ -77,6 +79,10 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 10> xmlSubro
 }};
 
 } // namespace
+
+bool isDocumentRole(AtspiRole role) {
+    return role == ATSPI_ROLE_DOCUMENT_WEB || role == ATSPI_ROLE_DOCUMENT_TEXT;
+}
 
 bool needsXmlRoles(AtspiRole role) {
     switch (role) {

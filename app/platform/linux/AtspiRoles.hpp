@@ -25,6 +25,10 @@ struct MappedRole {
     TextKind kind = TextKind::container;
 };
 
+// A document read as a page of paragraphs (a web page, a word processor's text): its text is
+// anchored through markers and read on from paragraph to paragraph.
+bool isDocumentRole(AtspiRole role);
+
 // Whether the role's subrole depends on the element's "xml-roles" attribute (landmarks).
 bool needsXmlRoles(AtspiRole role);
 

@@ -33,7 +33,7 @@ bool AtspiNode::insideWebContent() {
         if (!role) {
             break;
         }
-        if (*role == ATSPI_ROLE_DOCUMENT_WEB) {
+        if (isDocumentRole(*role)) {
             insideWeb_ = true;
             break;
         }

@@ -1,5 +1,7 @@
 #include "platform/linux/X11Windows.hpp"
 
+#include "platform/linux/X11Connection.hpp"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <algorithm>
@@ -11,35 +13,17 @@ namespace {
 
 constexpr int searchDepth = 4;
 
-Display* asDisplay(void* display) {
-    return static_cast<Display*>(display);
-}
-
-std::optional<Window> windowProperty(Display* display, Window window, const char* name) {
-    Atom property = XInternAtom(display, name, True);
-    if (property == None) {
+std::optional<unsigned long> firstCardinal(Display* display, Window window, const char* name) {
+    std::vector<unsigned long> values = platform::x11::Connection::cardinals(display, window, name);
+    if (values.empty()) {
         return std::nullopt;
     }
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long after = 0;
-    unsigned char* data = nullptr;
-    std::optional<Window> value;
-    if (XGetWindowProperty(display, window, property, 0, 1, False, AnyPropertyType, &type, &format,
-                           &count, &after, &data) == Success &&
-        data && count == 1 && format == 32) {
-        value = static_cast<Window>(*reinterpret_cast<unsigned long*>(data));
-    }
-    if (data) {
-        XFree(data);
-    }
-    return value;
+    return values.front();
 }
 
 // The window's _NET_WM_PID, or that of a descendant (a window manager's frame holds the client).
 std::optional<ProcessID> ownerOf(Display* display, Window window, int depth) {
-    if (std::optional<Window> pid = windowProperty(display, window, "_NET_WM_PID")) {
+    if (std::optional<unsigned long> pid = firstCardinal(display, window, "_NET_WM_PID")) {
         return static_cast<ProcessID>(*pid);
     }
     if (depth == 0) {
@@ -61,14 +45,9 @@ std::optional<ProcessID> ownerOf(Display* display, Window window, int depth) {
     return found;
 }
 
-int ignoreErrors(Display*, XErrorEvent*) {
-    // Windows vanish between listing and asking; such a window simply has no owner.
-    return 0;
-}
-
-// The root's viewable children, bottom to top, with their frames.
-std::vector<std::pair<Window, ScreenRect>> viewableTopLevels(Display* display) {
-    std::vector<std::pair<Window, ScreenRect>> windows;
+// The root's viewable children, bottom to top.
+std::vector<Window> viewableTopLevels(Display* display) {
+    std::vector<Window> windows;
     Window unusedRoot = 0;
     Window unusedParent = 0;
     Window* children = nullptr;
@@ -79,14 +58,10 @@ std::vector<std::pair<Window, ScreenRect>> viewableTopLevels(Display* display) {
     }
     for (unsigned int i = 0; i < count; ++i) {
         XWindowAttributes attributes;
-        if (!XGetWindowAttributes(display, children[i], &attributes) ||
-            attributes.map_state != IsViewable || attributes.c_class == InputOnly) {
-            continue;
+        if (XGetWindowAttributes(display, children[i], &attributes) &&
+            attributes.map_state == IsViewable && attributes.c_class != InputOnly) {
+            windows.push_back(children[i]);
         }
-        windows.emplace_back(children[i], ScreenRect{static_cast<double>(attributes.x),
-                                                     static_cast<double>(attributes.y),
-                                                     static_cast<double>(attributes.width),
-                                                     static_cast<double>(attributes.height)});
     }
     if (children) {
         XFree(children);
@@ -97,42 +72,28 @@ std::vector<std::pair<Window, ScreenRect>> viewableTopLevels(Display* display) {
 } // namespace
 
 WindowOwners::WindowOwners()
-    : display_(XOpenDisplay(nullptr)) {
-    if (display_) {
-        XSetErrorHandler(ignoreErrors);
-    }
-}
-
-WindowOwners::~WindowOwners() {
-    if (display_) {
-        XCloseDisplay(asDisplay(display_));
-    }
-}
+    : connection_(platform::x11::Connection::open())
+    , locator_(connection_) {}
 
 std::optional<ProcessID> WindowOwners::processAt(ScreenPoint point) {
-    Display* display = asDisplay(display_);
-    if (!display) {
+    std::optional<platform::TargetWindow> window = locator_.window(point);
+    if (!window || window->pid <= 0) {
         return std::nullopt;
     }
-    std::vector<std::pair<Window, ScreenRect>> windows = viewableTopLevels(display);
-    // Bottom to top: the topmost window containing the point wins.
-    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
-        if (it->second.contains(point)) {
-            if (std::optional<ProcessID> pid = ownerOf(display, it->first, searchDepth)) {
-                return pid;
-            }
-        }
-    }
-    return std::nullopt;
+    return static_cast<ProcessID>(window->pid);
 }
 
 std::vector<ProcessID> WindowOwners::visibleProcesses() {
     std::vector<ProcessID> processes;
-    Display* display = asDisplay(display_);
-    if (!display) {
+    if (!connection_) {
         return processes;
     }
-    for (const auto& [window, frame] : viewableTopLevels(display)) {
+    platform::x11::Connection::Session session{*connection_};
+    if (!session.alive()) {
+        return processes;
+    }
+    Display* display = session.display();
+    for (Window window : viewableTopLevels(display)) {
         std::optional<ProcessID> pid = ownerOf(display, window, searchDepth);
         if (pid && std::find(processes.begin(), processes.end(), *pid) == processes.end()) {
             processes.push_back(*pid);
@@ -142,12 +103,16 @@ std::vector<ProcessID> WindowOwners::visibleProcesses() {
 }
 
 std::optional<ProcessID> WindowOwners::focusedProcess() {
-    Display* display = asDisplay(display_);
-    if (!display) {
+    if (!connection_) {
         return std::nullopt;
     }
+    platform::x11::Connection::Session session{*connection_};
+    if (!session.alive()) {
+        return std::nullopt;
+    }
+    Display* display = session.display();
     Window root = DefaultRootWindow(display);
-    if (std::optional<Window> active = windowProperty(display, root, "_NET_ACTIVE_WINDOW");
+    if (std::optional<unsigned long> active = firstCardinal(display, root, "_NET_ACTIVE_WINDOW");
         active && *active != None) {
         if (std::optional<ProcessID> pid = ownerOf(display, *active, 0)) {
             return pid;

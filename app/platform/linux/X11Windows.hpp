@@ -2,23 +2,23 @@
 
 #include "lectorbell/ScreenGeometry.hpp"
 #include "lectorbell/SelectionPolicy.hpp"
+#include "platform/linux/X11WindowLocator.hpp"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
 namespace lectorbell::x11 {
 
-// The X display's windows: who owns the window at a point and the focused one. Choosing the
-// application by its window keeps a hung application elsewhere from costing anything.
+// The X display's windows by their owners: who owns the window at a point and the focused one.
+// Choosing the application by its window keeps a hung application elsewhere from costing
+// anything.
 class WindowOwners {
 public:
     WindowOwners();
-    ~WindowOwners();
-    WindowOwners(const WindowOwners&) = delete;
-    WindowOwners& operator=(const WindowOwners&) = delete;
 
-    bool connected() const { return display_ != nullptr; }
-    // The process (_NET_WM_PID) of the topmost visible window at a global point.
+    bool connected() const { return connection_ != nullptr; }
+    // The process (_NET_WM_PID) of the window under a global point, as capture finds it.
     std::optional<ProcessID> processAt(ScreenPoint point);
     // The process of the active window, else of the window holding the keyboard focus.
     std::optional<ProcessID> focusedProcess();
@@ -26,7 +26,8 @@ public:
     std::vector<ProcessID> visibleProcesses();
 
 private:
-    void* display_ = nullptr;
+    std::shared_ptr<platform::x11::Connection> connection_;
+    platform::X11WindowLocator locator_;
 };
 
 } // namespace lectorbell::x11

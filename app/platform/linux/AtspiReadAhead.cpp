@@ -230,7 +230,9 @@ GRef<AtspiAccessible> AtspiReadAhead::accessible(const std::string& path) const 
 
 const std::string* AtspiReadAhead::nextInDocument(const std::string& path) const {
     const CachedElement* current = element(path);
-    if (current && current->childrenKnown() && !current->children.empty()) {
+    // Nothing inside a password field is ever asked for, not even its bullets.
+    if (current && current->childrenKnown() && !current->children.empty() &&
+        current->role != ATSPI_ROLE_PASSWORD_TEXT) {
         return &current->children.front();
     }
     // Bounded like every chain: a broken cache must not loop.

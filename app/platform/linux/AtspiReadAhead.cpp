@@ -141,7 +141,7 @@ void AtspiReadAhead::noteLookedAt(AtspiAccessible* any) {
     }
     tried_ = true;
     if (!load(any)) {
-        elements_.clear();
+        tree_.clear();
     }
 }
 
@@ -182,39 +182,18 @@ bool AtspiReadAhead::load(AtspiAccessible* any) {
     dbus_message_iter_init(reply, &it);
     dbus_message_iter_recurse(&it, &items);
     while (dbus_message_iter_get_arg_type(&items) == DBUS_TYPE_STRUCT) {
-        elements_.insert(parseItem(&items));
+        auto [path, element] = parseItem(&items);
+        tree_.add(std::move(path), std::move(element));
         dbus_message_iter_next(&items);
     }
     dbus_message_unref(reply);
 
-    // Children in index order; a parent whose children are not all cached keeps none.
-    std::unordered_map<std::string, std::vector<std::pair<int, std::string>>> byParent;
-    for (const auto& [path, element] : elements_) {
-        byParent[element.parent].emplace_back(element.index, path);
-    }
-    for (auto& [parentPath, kids] : byParent) {
-        auto parent = elements_.find(parentPath);
-        if (parent == elements_.end() ||
-            static_cast<int>(kids.size()) != parent->second.childCount) {
-            continue;
-        }
-        std::sort(kids.begin(), kids.end());
-        bool contiguous = true;
-        for (std::size_t i = 0; i < kids.size() && contiguous; ++i) {
-            contiguous = kids[i].first == static_cast<int>(i);
-        }
-        if (contiguous) {
-            for (auto& kid : kids) {
-                parent->second.children.push_back(std::move(kid.second));
-            }
-        }
-    }
-    return !elements_.empty();
+    tree_.linkChildren();
+    return !tree_.empty();
 }
 
 const CachedElement* AtspiReadAhead::element(const std::string& path) const {
-    auto found = elements_.find(path);
-    return found == elements_.end() ? nullptr : &found->second;
+    return tree_.element(path);
 }
 
 bool AtspiReadAhead::resolvesPaths() {
@@ -226,28 +205,6 @@ GRef<AtspiAccessible> AtspiReadAhead::accessible(const std::string& path) const 
         return {};
     }
     return GRef<AtspiAccessible>::adopt(_atspi_ref_accessible(busName_.c_str(), path.c_str()));
-}
-
-const std::string* AtspiReadAhead::nextInDocument(const std::string& path) const {
-    const CachedElement* current = element(path);
-    // Nothing inside a password field is ever asked for, not even its bullets.
-    if (current && current->childrenKnown() && !current->children.empty() &&
-        current->role != ATSPI_ROLE_PASSWORD_TEXT) {
-        return &current->children.front();
-    }
-    // Bounded like every chain: a broken cache must not loop.
-    for (int level = 0; current && level < 200; ++level) {
-        const CachedElement* parent = element(current->parent);
-        if (!parent || !parent->childrenKnown()) {
-            return nullptr;
-        }
-        auto next = static_cast<std::size_t>(current->index) + 1;
-        if (next < parent->children.size()) {
-            return &parent->children[next];
-        }
-        current = parent;
-    }
-    return nullptr;
 }
 
 void AtspiReadAhead::readWindow(const std::string& from) {
@@ -278,7 +235,7 @@ void AtspiReadAhead::readWindow(const std::string& from) {
             }
             asked.push_back(ask);
         }
-        path = nextInDocument(*path);
+        path = tree_.next(*path);
     }
     window_ = std::min(window_ * 2, largestWindow);
     if (!pipeline.finish(*guard_)) {

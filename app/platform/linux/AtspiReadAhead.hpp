@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/AtspiCachedTree.hpp"
 #include "platform/linux/AtspiCall.hpp"
 
 #include <atspi/atspi.h>
@@ -11,23 +12,6 @@
 #include <vector>
 
 namespace lectorbell::atspi {
-
-// What an application's own cache says of one element.
-struct CachedElement {
-    std::string parent;
-    int index = -1;
-    int childCount = 0;
-    AtspiRole role = ATSPI_ROLE_INVALID;
-    std::uint64_t states = 0;
-    bool hasText = false;
-    // Paths in index order; used only when the cache holds every child.
-    std::vector<std::string> children;
-
-    bool childrenKnown() const { return static_cast<int>(children.size()) == childCount; }
-    bool hasState(AtspiStateType state) const {
-        return state < 64 && (states >> static_cast<unsigned>(state) & 1U) != 0;
-    }
-};
 
 // Text, box and landmark attribute of one element, fetched ahead of the walk.
 struct PrefetchedElement {
@@ -52,7 +36,7 @@ public:
     void allow(bool allowed) { allowed_ = allowed; }
     // One element looked at call by call; after enough of them the cache is loaded.
     void noteLookedAt(AtspiAccessible* any);
-    bool loaded() const { return !elements_.empty(); }
+    bool loaded() const { return !tree_.empty(); }
     const CachedElement* element(const std::string& path) const;
     const std::string& busName() const { return busName_; }
     // What was fetched for `path`, reading the window that starts there when it was not.
@@ -65,7 +49,6 @@ public:
 private:
     bool load(AtspiAccessible* any);
     void readWindow(const std::string& from);
-    const std::string* nextInDocument(const std::string& path) const;
 
     std::shared_ptr<HangGuard> guard_;
     int lookedAt_ = 0;
@@ -73,7 +56,7 @@ private:
     bool allowed_ = true;
     DBusConnection* connection_ = nullptr;
     std::string busName_;
-    std::unordered_map<std::string, CachedElement> elements_;
+    CachedTree tree_;
     std::unordered_map<std::string, PrefetchedElement> prefetched_;
     std::size_t window_;
 };

@@ -2,6 +2,8 @@
 #include "platform/linux/OpenMPEnvironment.hpp"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 int main(int argc, char** argv) {
@@ -24,6 +26,15 @@ int main(int argc, char** argv) {
         // The tray application is not built yet: until it is, show what the executable offers.
         std::cout << app.help();
         return 0;
+    }
+    if (outcome.leaveWithoutTeardown) {
+        // Qt 6.4's PulseAudio backend stops its mainloop thread from a static destructor while
+        // that thread may still be running, which now and then aborts the process after its
+        // work is done. Everything of ours is closed by now.
+        std::cout.flush();
+        std::cerr.flush();
+        std::fflush(nullptr);
+        std::_Exit(outcome.exitStatus);
     }
     return outcome.exitStatus;
 }

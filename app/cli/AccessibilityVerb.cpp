@@ -19,7 +19,6 @@ int runAccessibility(bool enable) {
     SerialQueue queue;
     return queue
         .submit([enable] {
-            atspi::AtspiDesktop desktop;
             if (!enable) {
                 std::optional<bool> on = atspi::AtspiDesktop::toolkitAccessibilityEnabled();
                 if (!on) {
@@ -31,6 +30,7 @@ int runAccessibility(bool enable) {
                 std::cout << "accessibility: " << (*on ? "on" : "off") << '\n';
                 return 0;
             }
+            atspi::AtspiDesktop desktop;
             std::optional<AccessibilityGrant> grant = desktop.requestTrust();
             if (!grant) {
                 std::cout

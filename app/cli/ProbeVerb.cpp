@@ -39,7 +39,9 @@ std::optional<ScreenPoint> parsePoint(const std::string& text) {
 // their pages only with their own option.
 std::optional<std::string> startNotice(atspi::AtspiDesktop& desktop, ProcessID pid) {
     atspi::StartupToolkit toolkit = atspi::startupToolkit(pid);
-    std::string name = atspi::processName(pid) + " (process " + std::to_string(pid) + ")";
+    std::optional<std::string> command = atspi::processName(pid);
+    std::string name = command ? *command + " (process " + std::to_string(pid) + ")"
+                               : "process " + std::to_string(pid);
     if (toolkit == atspi::StartupToolkit::chromium &&
         !atspi::startedWith(pid, atspi::chromiumAccessibilityOption)) {
         return name + " shows no page text to accessibility: start it with " +

@@ -206,7 +206,10 @@ void addReadVerb(CLI::App& app, VerbOutcome& outcome) {
     verb->add_flag("--verbose", options->verbose, "Also print each chunk as it starts to sound");
     addShapingOptions(*verb, options->shaping);
     verb->add_option("FILE", options->input, "UTF-8 text, or - for standard input");
-    verb->callback([options, &outcome] { outcome.exitStatus = runRead(*options); });
+    verb->callback([options, &outcome] {
+        outcome.leaveWithoutTeardown = options->wav.empty();
+        outcome.exitStatus = runRead(*options);
+    });
 }
 
 } // namespace lectorbell::cli

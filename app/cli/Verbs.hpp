@@ -7,6 +7,9 @@ namespace lectorbell::cli {
 // Set by the verb that ran: the process's exit status.
 struct VerbOutcome {
     int exitStatus = 0;
+    // The verb played through the sound device: the process must leave without running static
+    // destructors (see main).
+    bool leaveWithoutTeardown = false;
 };
 
 // Registers every command-line verb as a subcommand of the application.

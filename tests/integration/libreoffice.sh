@@ -6,10 +6,21 @@ source "$(dirname "$0")/lib.sh"
 require soffice xdotool
 
 work=$(mktemp -d)
-printf '%s\n\n%s\n\n%s\n' \
-  "The harbour lights came on one by one as the ferry crossed the bay." \
-  "A second paragraph mentions the lighthouse keeper and his dog." \
-  "The third paragraph closes the story at dawn." >"$work/story.txt"
+# Writer's launcher outlives a plain TERM and keeps the test's files open: end both for good.
+end_writer() {
+  pkill -KILL -f "UserInstallation=file://$work/profile" 2>/dev/null
+  rm -rf "$work"
+  cleanup_children
+}
+trap end_writer EXIT
+{
+  printf '%s\n\n%s\n\n%s\n\n' \
+    "The harbour lights came on one by one as the ferry crossed the bay." \
+    "A second paragraph mentions the lighthouse keeper and his dog." \
+    "The third paragraph closes the story at dawn."
+  # Enough paragraphs for a full walk to read the tree ahead; Writer lists only those on screen.
+  for i in $(seq 1 80); do printf 'Numbered paragraph %s of the story.\n\n' "$i"; done
+} >"$work/story.txt"
 SAL_USE_VCLPLUGIN=gtk3 soffice --nologo --norestore --nofirststartwizard \
   "-env:UserInstallation=file://$work/profile" --writer "$work/story.txt" >/dev/null 2>&1 &
 children+=("$!")
@@ -27,6 +38,8 @@ probe --at "$(word_point "$app" ferry)" --json
 json_field '" | ".join(b["text"] for b in j["result"]["blocks"])' |
   grep -q "ferry crossed the bay. | A second paragraph .* | The third paragraph" &&
   pass "read on through the following paragraphs" || fail "paragraphs: $probe_out"
-pkill -f "UserInstallation=file://$work/profile" 2>/dev/null
-rm -rf "$work"
+numbers=$(json_field '" ".join(__import__("re").findall(r"Numbered paragraph (\d+)", " ".join(b["text"] for b in j["result"]["blocks"])))')
+expected=$(seq -s ' ' 1 "$(wc -w <<<"$numbers")")
+[ "$(wc -w <<<"$numbers")" -ge 10 ] && [ "$numbers" = "$expected" ] &&
+  pass "every paragraph on screen, in order ($(wc -w <<<"$numbers"))" || fail "numbered paragraphs: $numbers"
 finish

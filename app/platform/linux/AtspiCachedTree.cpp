@@ -13,7 +13,9 @@ void CachedTree::linkChildren() {
     std::unordered_map<std::string, std::vector<std::pair<int, std::string>>> byParent;
     for (auto& [path, element] : elements_) {
         element.children.clear();
-        byParent[element.parent].emplace_back(element.index, path);
+        if (!element.parent.empty()) {
+            byParent[element.parent].emplace_back(element.index, path);
+        }
     }
     for (auto& [parentPath, kids] : byParent) {
         auto parent = elements_.find(parentPath);

@@ -12,6 +12,7 @@ namespace lectorbell::atspi {
 struct CachedElement {
     std::string parent;
     int index = -1;
+    // -1 when the application does not say (an element that manages its descendants).
     int childCount = 0;
     AtspiRole role = ATSPI_ROLE_INVALID;
     std::uint64_t states = 0;
@@ -19,7 +20,9 @@ struct CachedElement {
     // Paths in index order; filled by CachedTree::linkChildren only when every child is cached.
     std::vector<std::string> children;
 
-    bool childrenKnown() const { return static_cast<int>(children.size()) == childCount; }
+    bool childrenKnown() const {
+        return childCount >= 0 && static_cast<int>(children.size()) == childCount;
+    }
     bool hasState(AtspiStateType state) const {
         return state < 64 && (states >> static_cast<unsigned>(state) & 1U) != 0;
     }

@@ -82,7 +82,9 @@ bool AtspiDesktop::enableToolkitAccessibility() {
     if (!bus) {
         return false;
     }
-    bool enabled = setStatus(bus, "IsEnabled") && setStatus(bus, "ScreenReaderEnabled");
+    // IsEnabled only: ScreenReaderEnabled would also start the desktop's screen reader at every
+    // login, which is not ours to decide.
+    bool enabled = setStatus(bus, "IsEnabled");
     g_object_unref(bus);
     return enabled;
 }
@@ -124,7 +126,7 @@ std::optional<AccessibilityGrant> AtspiDesktop::requestTrust() {
         if (toolkit == StartupToolkit::none) {
             continue;
         }
-        AppToRestart app{processName(pid),
+        AppToRestart app{processName(pid).value_or("process " + std::to_string(pid)),
                          toolkit == StartupToolkit::chromium ? chromiumAccessibilityOption : ""};
         if (std::find(grant.restartNeeded.begin(), grant.restartNeeded.end(), app) ==
             grant.restartNeeded.end()) {

@@ -26,8 +26,8 @@ public:
     // Whether the bus tells toolkits to expose their trees (org.a11y.Status IsEnabled); no
     // value when the bus cannot be asked.
     static std::optional<bool> toolkitAccessibilityEnabled();
-    // Sets IsEnabled and ScreenReaderEnabled, which also stores the setting for the session's
-    // future applications. Applications that build their tree only at start must be restarted.
+    // Sets IsEnabled, which the bus also stores in the desktop's settings for the session's
+    // future applications. Applications that look only as they start must be restarted.
     static bool enableToolkitAccessibility();
 
 private:

@@ -85,10 +85,10 @@ std::optional<std::pair<std::string_view, std::string_view>> AtspiNode::identity
     if (path_.empty() && pendingOwner_ && readAhead_ && readAhead_->loaded()) {
         // A child listed before the tree was read ahead: its place names it.
         const AtspiObject& owner = pendingOwner_.get()->parent;
-        const CachedElement* parent =
-            owner.path && owner.app && owner.app->bus_name == readAhead_->busName()
-                ? readAhead_->element(owner.path)
-                : nullptr;
+        const CachedElement* parent = owner.path && owner.app && owner.app->bus_name &&
+                                              owner.app->bus_name == readAhead_->busName()
+                                          ? readAhead_->element(owner.path)
+                                          : nullptr;
         if (parent && parent->childrenKnown() &&
             static_cast<std::size_t>(*index_) < parent->children.size()) {
             path_ = parent->children[static_cast<std::size_t>(*index_)];
@@ -157,10 +157,12 @@ AXAnswer<MappedRole> AtspiNode::mapped() {
     if (result.kind == TextKind::staticText && *role != ATSPI_ROLE_STATIC) {
         // A paragraph or label whose text runs are its own children (as Chromium exposes them)
         // is a group of those runs, not one run itself.
-        AXAnswer<gint> count =
-            element ? AXAnswer<gint>{element->childCount} : guard_->run([&](GError** e) {
-                return atspi_accessible_get_child_count(accessible(), e);
-            });
+        // A count the cache does not know (-1) is asked for.
+        AXAnswer<gint> count = element && element->childCount >= 0
+                                   ? AXAnswer<gint>{element->childCount}
+                                   : guard_->run([&](GError** e) {
+                                         return atspi_accessible_get_child_count(accessible(), e);
+                                     });
         if (count && *count > 0) {
             result.role = "AXGroup";
             result.kind = TextKind::container;

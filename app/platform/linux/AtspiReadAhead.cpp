@@ -5,6 +5,7 @@
 #include "platform/linux/LinuxLog.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 
 // The library's own way from an element's path to its object. Not in its public headers, so
@@ -23,17 +24,21 @@ constexpr int lookedAtBeforeReadAhead = 48;
 // The first window is small so that a quick walk does not wait for text it will not read.
 constexpr std::size_t firstWindow = 48;
 constexpr std::size_t largestWindow = 512;
+constexpr std::chrono::milliseconds slowWindow{60};
 // Reading the cache of a huge application may take long; a walk without it is only slower.
 constexpr int cacheTimeoutMs = 250;
 constexpr const char* cacheSignature = "a((so)(so)(so)iiassusau)";
 
-std::string objectPath(DBusMessageIter* reference) {
+// An object reference: (bus name, path).
+std::pair<std::string, std::string> objectReference(DBusMessageIter* reference) {
     DBusMessageIter fields;
     dbus_message_iter_recurse(reference, &fields);
+    const char* bus = nullptr;
+    dbus_message_iter_get_basic(&fields, static_cast<void*>(&bus));
     dbus_message_iter_next(&fields);
     const char* path = nullptr;
     dbus_message_iter_get_basic(&fields, static_cast<void*>(&path));
-    return path ? path : "";
+    return {bus ? bus : "", path ? path : ""};
 }
 
 template <typename T>
@@ -49,14 +54,21 @@ std::pair<std::string, CachedElement> parseItem(DBusMessageIter* item) {
     DBusMessageIter field;
     dbus_message_iter_recurse(item, &field);
     std::pair<std::string, CachedElement> result;
-    result.first = objectPath(&field);
+    auto [bus, path] = objectReference(&field);
+    result.first = std::move(path);
     dbus_message_iter_next(&field);
     dbus_message_iter_next(&field);
-    result.second.parent = objectPath(&field);
+    // The application's root has the desktop for parent, on another bus (and with the same
+    // path as the root itself): no parent in this tree.
+    auto [parentBus, parentPath] = objectReference(&field);
+    if (parentBus == bus) {
+        result.second.parent = std::move(parentPath);
+    }
     dbus_message_iter_next(&field);
     result.second.index = basic<dbus_int32_t>(&field);
     dbus_message_iter_next(&field);
-    result.second.childCount = std::max(0, basic<dbus_int32_t>(&field));
+    // -1 when the application does not list the children (elements that manage descendants).
+    result.second.childCount = basic<dbus_int32_t>(&field);
     dbus_message_iter_next(&field);
     DBusMessageIter names;
     dbus_message_iter_recurse(&field, &names);
@@ -135,6 +147,12 @@ AtspiReadAhead::AtspiReadAhead(std::shared_ptr<HangGuard> guard)
     : guard_(std::move(guard))
     , window_(firstWindow) {}
 
+AtspiReadAhead::~AtspiReadAhead() {
+    if (connection_) {
+        dbus_connection_unref(connection_);
+    }
+}
+
 void AtspiReadAhead::noteLookedAt(AtspiAccessible* any) {
     if (tried_ || !allowed_ || !any || ++lookedAt_ < lookedAtBeforeReadAhead) {
         return;
@@ -150,7 +168,8 @@ bool AtspiReadAhead::load(AtspiAccessible* any) {
     if (!app || !app->bus || !app->bus_name || guard_->timedOut()) {
         return false;
     }
-    connection_ = app->bus;
+    // Our own reference: the application may quit, and the library drop its connection.
+    connection_ = dbus_connection_ref(app->bus);
     busName_ = app->bus_name;
     DBusMessage* request = dbus_message_new_method_call(busName_.c_str(), "/org/a11y/atspi/cache",
                                                         "org.a11y.atspi.Cache", "GetItems");
@@ -208,6 +227,9 @@ GRef<AtspiAccessible> AtspiReadAhead::accessible(const std::string& path) const 
 }
 
 void AtspiReadAhead::readWindow(const std::string& from) {
+    if (guard_->timedOut()) {
+        return;
+    }
     struct Asked {
         PrefetchedElement* element;
         std::optional<std::size_t> text, extents, attributes;
@@ -237,10 +259,15 @@ void AtspiReadAhead::readWindow(const std::string& from) {
         }
         path = tree_.next(*path);
     }
-    window_ = std::min(window_ * 2, largestWindow);
+    auto started = std::chrono::steady_clock::now();
     if (!pipeline.finish(*guard_)) {
         return;
     }
+    // Windows grow while the application answers briskly and shrink when it is slow, so that
+    // one batch never keeps the walk long past its deadline.
+    window_ = std::chrono::steady_clock::now() - started > slowWindow
+                  ? std::max(window_ / 2, firstWindow)
+                  : std::min(window_ * 2, largestWindow);
     for (Asked& ask : asked) {
         if (ask.text) {
             ask.element->text = stringReply(pipeline.reply(*ask.text));
@@ -258,7 +285,7 @@ void AtspiReadAhead::readWindow(const std::string& from) {
 }
 
 const PrefetchedElement* AtspiReadAhead::prefetched(const std::string& path) {
-    if (!loaded() || !element(path)) {
+    if (!loaded() || !element(path) || guard_->timedOut()) {
         return nullptr;
     }
     auto found = prefetched_.find(path);

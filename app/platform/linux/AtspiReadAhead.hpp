@@ -31,6 +31,9 @@ struct PrefetchedElement {
 class AtspiReadAhead {
 public:
     explicit AtspiReadAhead(std::shared_ptr<HangGuard> guard);
+    ~AtspiReadAhead();
+    AtspiReadAhead(const AtspiReadAhead&) = delete;
+    AtspiReadAhead& operator=(const AtspiReadAhead&) = delete;
 
     // Off: every element is asked for call by call.
     void allow(bool allowed) { allowed_ = allowed; }

@@ -2,13 +2,14 @@
 
 #include "lectorbell/SelectionPolicy.hpp"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace lectorbell::atspi {
 
-// The process's short name (its command name), or its number when that cannot be read.
-std::string processName(ProcessID pid);
+// The process's short name (its command name); none when it cannot be read.
+std::optional<std::string> processName(ProcessID pid);
 
 // Toolkits that decide only as they start whether to expose their accessibility trees:
 // switching accessibility on later does not reach them. GTK exposes its tree always.
@@ -23,7 +24,8 @@ enum class StartupToolkit {
 
 StartupToolkit startupToolkit(ProcessID pid);
 
-// Whether the process's command line holds `option` as one of its arguments.
+// Whether the process's command line holds `option` as one of its arguments (alone or as
+// "option=value").
 bool startedWith(ProcessID pid, std::string_view option);
 
 // What a Chromium-family app must be started with to expose its pages.

@@ -2,19 +2,33 @@
 
 #include <X11/Xatom.h>
 #include <atomic>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
 
 namespace lectorbell::platform::x11 {
 
 namespace {
 
-// Xlib's handlers are process-wide; they record instead of exiting.
-std::atomic<int> firstError{0};
+// Xlib's handlers are process-wide; they record instead of exiting. Errors are kept per
+// connection, so that one adapter's vanished window never fails another adapter's request.
+std::mutex errorsMutex;
+std::unordered_map<::Display*, int> firstErrors;
 std::atomic<bool> connectionLost{false};
 
-int recordError(::Display*, XErrorEvent* event) {
-    int none = 0;
-    firstError.compare_exchange_strong(none, event->error_code);
+int recordError(::Display* display, XErrorEvent* event) {
+    std::lock_guard<std::mutex> lock{errorsMutex};
+    int& first = firstErrors[display];
+    if (first == 0) {
+        first = event->error_code;
+    }
     return 0;
+}
+
+int takeError(::Display* display) {
+    std::lock_guard<std::mutex> lock{errorsMutex};
+    auto found = firstErrors.find(display);
+    return found == firstErrors.end() ? 0 : std::exchange(found->second, 0);
 }
 
 int recordLostConnection(::Display*) {
@@ -55,6 +69,8 @@ Connection::~Connection() {
     if (!connectionLost) {
         XCloseDisplay(display_);
     }
+    std::lock_guard<std::mutex> lock{errorsMutex};
+    firstErrors.erase(display_);
 }
 
 Connection::Session::Session(Connection& connection)
@@ -74,7 +90,7 @@ int Connection::Session::syncAndTakeError() {
         return -1;
     }
     XSync(connection_.display_, False);
-    return firstError.exchange(0);
+    return takeError(connection_.display_);
 }
 
 std::vector<unsigned long> Connection::cardinals(::Display* display, ::Window window,

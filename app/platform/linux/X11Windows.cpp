@@ -77,10 +77,21 @@ WindowOwners::WindowOwners()
 
 std::optional<ProcessID> WindowOwners::processAt(ScreenPoint point) {
     std::optional<platform::TargetWindow> window = locator_.window(point);
-    if (!window || window->pid <= 0) {
+    if (!window) {
         return std::nullopt;
     }
-    return static_cast<ProcessID>(window->pid);
+    if (window->pid > 0) {
+        return static_cast<ProcessID>(window->pid);
+    }
+    // Without a window manager's client list the window found may be a frame around the
+    // client, which names the process.
+    platform::x11::Connection::Session session{*connection_};
+    if (!session.alive()) {
+        return std::nullopt;
+    }
+    std::optional<ProcessID> owner = ownerOf(session.display(), window->windowID, searchDepth);
+    session.syncAndTakeError();
+    return owner;
 }
 
 std::vector<ProcessID> WindowOwners::visibleProcesses() {

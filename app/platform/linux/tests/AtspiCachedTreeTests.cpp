@@ -81,6 +81,7 @@ TEST(CachedTree, KeepsNoChildrenWhereTheCacheIsIncomplete) {
         {"one missing", {{"r", "", 0, 3}, {"x", "r", 0, 0}, {"y", "r", 1, 0}}, {}},
         {"a gap in the indices", {{"r", "", 0, 2}, {"x", "r", 0, 0}, {"y", "r", 2, 0}}, {}},
         {"two at one index", {{"r", "", 0, 2}, {"x", "r", 0, 0}, {"y", "r", 0, 0}}, {}},
+        {"not counted by the application", {{"r", "", 0, -1}, {"x", "r", 0, 0}}, {}},
     };
     for (const Case& c : cases) {
         CachedTree tree = treeOf(c.items);

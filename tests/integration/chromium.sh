@@ -10,12 +10,7 @@ chromium --no-sandbox --force-renderer-accessibility --user-data-dir="$profile" 
   --disable-gpu --disable-dev-shm-usage --window-position=0,0 --window-size=1200,900 \
   "file://$HERE/article.html" >/dev/null 2>&1 &
 children+=("$!")
-app=""
-for _ in $(seq 1 60); do
-  app=$(xdotool search --onlyvisible --class chromium getwindowpid 2>/dev/null | head -1)
-  [ -n "$app" ] && $TREE word "$app" mountains >/dev/null 2>&1 && break
-  sleep 0.25
-done
+app=$(window_showing_word "Lectorbell article" mountains 15)
 [ -n "$app" ] || { fail "chromium did not show the page"; finish; }
 chromium --version | head -1
 
@@ -54,12 +49,8 @@ chromium --no-sandbox --force-renderer-accessibility --user-data-dir="$profile/l
   --no-first-run --disable-gpu --disable-dev-shm-usage --window-position=0,0 \
   --window-size=900,900 "file://$long" >/dev/null 2>&1 &
 children+=("$!")
-longApp=""
-for _ in $(seq 1 60); do
-  longApp=$(xdotool search --onlyvisible --name "Long article" getwindowpid 2>/dev/null | head -1)
-  [ -n "$longApp" ] && $TREE word "$longApp" lighthouse >/dev/null 2>&1 && break
-  sleep 0.25
-done
+longApp=$(window_showing_word "Long article" lighthouse 15)
+[ -n "$longApp" ] || { fail "chromium did not show the long page"; finish; }
 point=$(word_point "$longApp" lighthouse)
 probe --at "$point" --json
 full=$probe_out

@@ -88,6 +88,17 @@ wait_for() {
   $TREE wait "$1" "$2" || { fail "no $2 appeared in process $1"; finish; }
 }
 
+# window_showing_word TITLE WORD SECONDS: the process of the visible window whose title matches
+# TITLE, once its accessibility tree shows WORD; empty when that does not happen in time.
+window_showing_word() {
+  local pid="" deadline=$((SECONDS + $3))
+  while [ "$SECONDS" -lt "$deadline" ]; do
+    pid=$(xdotool search --onlyvisible --name "$1" getwindowpid 2>/dev/null | head -1)
+    [ -n "$pid" ] && $TREE word "$pid" "$2" >/dev/null 2>&1 && { echo "$pid"; return; }
+    sleep 0.25
+  done
+}
+
 # word_point PID WORD [ROLE]: the screen point at the middle of WORD.
 word_point() {
   $TREE word "$@"

@@ -24,12 +24,7 @@ trap end_writer EXIT
 SAL_USE_VCLPLUGIN=gtk3 soffice --nologo --norestore --nofirststartwizard \
   "-env:UserInstallation=file://$work/profile" --writer "$work/story.txt" >/dev/null 2>&1 &
 children+=("$!")
-app=""
-for _ in $(seq 1 120); do
-  app=$(xdotool search --onlyvisible --name "story" getwindowpid 2>/dev/null | head -1)
-  [ -n "$app" ] && $TREE word "$app" ferry >/dev/null 2>&1 && break
-  sleep 0.5
-done
+app=$(window_showing_word story ferry 60)
 [ -n "$app" ] || { fail "Writer did not show the document"; finish; }
 
 expect_word "$(word_point "$app" ferry)" ferry leaf-walk

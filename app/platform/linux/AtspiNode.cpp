@@ -6,19 +6,23 @@ namespace lectorbell::atspi {
 
 namespace {
 
+AXAnswer<ScreenRect> frameFrom(const AtspiRect& rect) {
+    // An empty box is a box (a hidden element); a negative one is the toolkit saying "unknown".
+    if (rect.width < 0 || rect.height < 0) {
+        return AXFailure::absent;
+    }
+    return ScreenRect{static_cast<double>(rect.x), static_cast<double>(rect.y),
+                      static_cast<double>(rect.width), static_cast<double>(rect.height)};
+}
+
+// A box the library allocated, read and freed.
 AXAnswer<ScreenRect> rectFrom(AtspiRect* rect) {
     if (!rect) {
         return AXFailure::absent;
     }
-    ScreenRect result{static_cast<double>(rect->x), static_cast<double>(rect->y),
-                      static_cast<double>(rect->width), static_cast<double>(rect->height)};
-    // An empty box is a box (a hidden element); a negative one is the toolkit saying "unknown".
-    bool valid = rect->width >= 0 && rect->height >= 0;
+    AXAnswer<ScreenRect> frame = frameFrom(*rect);
     g_free(rect);
-    if (!valid) {
-        return AXFailure::absent;
-    }
-    return result;
+    return frame;
 }
 
 } // namespace
@@ -101,19 +105,21 @@ std::optional<std::pair<std::string_view, std::string_view>> AtspiNode::identity
 }
 
 const CachedElement* AtspiNode::cached() const {
-    if (!readAhead_ || !readAhead_->loaded()) {
-        return nullptr;
+    // Asked many times per element on a walk: found once, kept (the cache does not change
+    // after it is loaded).
+    if (cached_ || !readAhead_ || !readAhead_->loaded()) {
+        return cached_;
     }
     std::optional<std::pair<std::string_view, std::string_view>> id = identity();
-    if (!id || id->first != readAhead_->busName()) {
-        return nullptr;
+    if (id && id->first == readAhead_->busName()) {
+        cachedPath_ = std::string{id->second};
+        cached_ = readAhead_->element(cachedPath_);
     }
-    return readAhead_->element(std::string{id->second});
+    return cached_;
 }
 
 const PrefetchedElement* AtspiNode::prefetched() const {
-    std::optional<std::pair<std::string_view, std::string_view>> id = identity();
-    return cached() && id ? readAhead_->prefetched(std::string{id->second}) : nullptr;
+    return cached() ? readAhead_->prefetched(cachedPath_) : nullptr;
 }
 
 AXAnswer<AtspiRole> AtspiNode::atspiRole() {
@@ -286,9 +292,7 @@ AXAnswer<ElementRef> AtspiNode::parent() {
 
 AXAnswer<ScreenRect> AtspiNode::frame() {
     if (const PrefetchedElement* ahead = prefetched(); ahead && ahead->extentsAsked) {
-        auto* rect = g_new(AtspiRect, 1);
-        *rect = *ahead->extents;
-        return rectFrom(rect);
+        return frameFrom(*ahead->extents);
     }
     if (!accessible()) {
         return AXFailure::absent;

@@ -127,6 +127,9 @@ private:
     std::shared_ptr<AtspiReadAhead> readAhead_;
     // Set when the element came from the read-ahead (its object may not be made yet).
     mutable std::string path_;
+    // The read-ahead's entry for this element and the path it is filed under, once found.
+    mutable const CachedElement* cached_ = nullptr;
+    mutable std::string cachedPath_;
     std::optional<AXAnswer<MappedRole>> mapped_;
     std::optional<std::vector<std::shared_ptr<AtspiNode>>> children_;
     std::optional<CodePointText> text_;

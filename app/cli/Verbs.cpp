@@ -13,6 +13,12 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome) {
     addProbeVerb(app, outcome);
     addOcrVerb(app, outcome);
     addAccessibilityVerb(app, outcome);
+    addSettingsVerb(app, outcome);
+    addQueueVerb(app, outcome);
+    addHistoryVerb(app, outcome);
+    addKeyVerb(app, outcome);
+    addPronunciationsVerb(app, outcome);
+    addReportVerb(app, outcome);
 }
 
 } // namespace lectorbell::cli

@@ -25,5 +25,11 @@ void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
 void addProbeVerb(CLI::App& app, VerbOutcome& outcome);
 void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
 void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome);
+void addSettingsVerb(CLI::App& app, VerbOutcome& outcome);
+void addQueueVerb(CLI::App& app, VerbOutcome& outcome);
+void addHistoryVerb(CLI::App& app, VerbOutcome& outcome);
+void addKeyVerb(CLI::App& app, VerbOutcome& outcome);
+void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome);
+void addReportVerb(CLI::App& app, VerbOutcome& outcome);
 
 } // namespace lectorbell::cli

@@ -40,6 +40,32 @@ std::optional<QueueItem> decodeItem(const Json& element) {
     return item;
 }
 
+// A queue nests two levels; far deeper input is not a queue, and would only keep the parser
+// busy (50 MB of "[" takes it many seconds).
+bool nestedDeeperThan(std::string_view bytes, int most) {
+    int depth = 0;
+    bool inString = false;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        char c = bytes[i];
+        if (inString) {
+            if (c == '\\') {
+                ++i;
+            } else if (c == '"') {
+                inString = false;
+            }
+        } else if (c == '"') {
+            inString = true;
+        } else if (c == '[' || c == '{') {
+            if (++depth > most) {
+                return true;
+            }
+        } else if (c == ']' || c == '}') {
+            --depth;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 std::string encodeQueue(const std::vector<QueueItem>& items) {
@@ -58,6 +84,10 @@ std::string encodeQueue(const std::vector<QueueItem>& items) {
 
 DecodedQueue decodeQueue(std::string_view bytes) {
     DecodedQueue decoded;
+    if (nestedDeeperThan(bytes, 16)) {
+        decoded.unreadable = true;
+        return decoded;
+    }
     Json parsed = Json::parse(bytes, nullptr, false);
     if (parsed.is_discarded()) {
         // Invalid UTF-8 fails the whole parse: read it again with the bad bytes replaced.

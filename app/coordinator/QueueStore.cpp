@@ -69,6 +69,9 @@ void QueueStore::change(const std::function<void(std::vector<QueueItem>&)>& edit
 }
 
 void QueueStore::add(QueueItem item) {
+    // As the file keeps it, so that the item is known again when the file is read back.
+    item.date = std::chrono::time_point_cast<Date::duration>(
+        std::chrono::floor<std::chrono::milliseconds>(item.date));
     change([&item](std::vector<QueueItem>& items) {
         std::erase_if(items, [&item](const QueueItem& old) { return old.text == item.text; });
         items.push_back(item);

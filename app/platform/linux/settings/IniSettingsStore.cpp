@@ -51,6 +51,9 @@ IniSettingsStore::~IniSettingsStore() = default;
 void IniSettingsStore::readSnapshot(std::map<std::string, std::string>& into) {
     into.clear();
     for (const QString& key : settings_.allKeys()) {
+        if (key.isEmpty()) {
+            continue;
+        }
         QVariant stored = settings_.value(key);
         // A hand-edited value with bare commas reads as a list, "@Variant(...)" as some other
         // type: neither is anything we wrote, so the key counts as absent.

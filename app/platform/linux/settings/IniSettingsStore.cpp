@@ -2,7 +2,9 @@
 
 #include "platform/linux/settings/SettingsLog.hpp"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <array>
@@ -30,8 +32,11 @@ std::string storedText(const SettingValue& value) {
 
 IniSettingsStore::IniSettingsStore(const QString& path, Watch watch)
     : path_{path}
-    , settings_{path, QSettings::IniFormat} {
+    , settings_{std::make_unique<QSettings>(path, QSettings::IniFormat)} {
     readSnapshot(snapshot_);
+    if (settings_->status() == QSettings::FormatError) {
+        startOverFromSnapshot();
+    }
     if (watch == Watch::otherProcesses) {
         // The folder is watched as well: QSettings replaces the file on every write, which ends
         // a watch on the file itself.
@@ -48,13 +53,37 @@ IniSettingsStore::IniSettingsStore(const QString& path, Watch watch)
 
 IniSettingsStore::~IniSettingsStore() = default;
 
+void IniSettingsStore::startOverFromSnapshot() {
+    // QSettings refuses to write over a file with lines it cannot read, which would leave every
+    // later change unsaved. Keep the file as the user left it, then write what could be read.
+    QString stamp =
+        QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'"));
+    QString aside = path_ + QStringLiteral(".unreadable-") + stamp;
+    if (QFile::copy(path_, aside)) {
+        qCWarning(lcSettingsStore,
+                  "settings: the settings file has lines that do not read; "
+                  "a copy is kept as %s",
+                  qPrintable(QFileInfo{aside}.fileName()));
+    } else {
+        qCWarning(lcSettingsStore, "settings: the settings file has lines that do not read");
+        return;
+    }
+    settings_.reset();
+    QFile::remove(path_);
+    settings_ = std::make_unique<QSettings>(path_, QSettings::IniFormat);
+    for (const auto& [key, text] : snapshot_) {
+        settings_->setValue(QString::fromStdString(key), QString::fromStdString(text));
+    }
+    settings_->sync();
+}
+
 void IniSettingsStore::readSnapshot(std::map<std::string, std::string>& into) {
     into.clear();
-    for (const QString& key : settings_.allKeys()) {
+    for (const QString& key : settings_->allKeys()) {
         if (key.isEmpty()) {
             continue;
         }
-        QVariant stored = settings_.value(key);
+        QVariant stored = settings_->value(key);
         // A hand-edited value with bare commas reads as a list, "@Variant(...)" as some other
         // type: neither is anything we wrote, so the key counts as absent.
         if (stored.typeId() != QMetaType::QString) {
@@ -76,7 +105,7 @@ void IniSettingsStore::setValue(const std::string& key, const SettingValue& valu
     std::string text = storedText(value);
     auto it = snapshot_.find(key);
     bool changed = it == snapshot_.end() || it->second != text;
-    settings_.setValue(QString::fromStdString(key), QString::fromStdString(text));
+    settings_->setValue(QString::fromStdString(key), QString::fromStdString(text));
     snapshot_[key] = std::move(text);
     write();
     if (changed) {
@@ -86,7 +115,7 @@ void IniSettingsStore::setValue(const std::string& key, const SettingValue& valu
 
 void IniSettingsStore::remove(const std::string& key) {
     bool changed = snapshot_.erase(key) > 0;
-    settings_.remove(QString::fromStdString(key));
+    settings_->remove(QString::fromStdString(key));
     write();
     if (changed) {
         notifyChanged(key);
@@ -103,10 +132,13 @@ std::vector<std::string> IniSettingsStore::keys() const {
 }
 
 void IniSettingsStore::write() {
-    settings_.sync();
-    if (settings_.status() != QSettings::NoError) {
+    settings_->sync();
+    if (settings_->status() == QSettings::FormatError) {
+        startOverFromSnapshot();
+    }
+    if (settings_->status() != QSettings::NoError) {
         qCWarning(lcSettingsStore, "settings: the settings file could not be written (status %d)",
-                  static_cast<int>(settings_.status()));
+                  static_cast<int>(settings_->status()));
     }
 }
 
@@ -118,7 +150,7 @@ void IniSettingsStore::watchFile() {
 
 void IniSettingsStore::reload() {
     watchFile();
-    settings_.sync();
+    settings_->sync();
     std::map<std::string, std::string> fresh;
     readSnapshot(fresh);
     std::vector<std::string> changed;

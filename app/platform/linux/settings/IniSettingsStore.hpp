@@ -13,7 +13,8 @@ namespace lectorbell::platform {
 
 // The settings kept in an INI file through QSettings. Every value is stored as text (a bool as
 // true/false, a number in its shortest exact form, structured values as their JSON), so the file
-// reads well and a hand edit stays possible. QSettings writes through a locked temporary file
+// reads well and a hand edit stays possible. A file with lines that do not read is copied aside
+// and written again with what could be read. QSettings writes through a locked temporary file
 // that replaces the old one, so a crash leaves the old or the new file, and it merges the keys
 // that other processes changed meanwhile.
 class IniSettingsStore final : public SettingsStore {
@@ -41,12 +42,13 @@ public:
     const QString& path() const { return path_; }
 
 private:
+    void startOverFromSnapshot();
     void readSnapshot(std::map<std::string, std::string>& into);
     void write();
     void watchFile();
 
     QString path_;
-    QSettings settings_;
+    std::unique_ptr<QSettings> settings_;
     // The file's content as last read or written: key to stored text.
     std::map<std::string, std::string> snapshot_;
     std::unique_ptr<QFileSystemWatcher> watcher_;

@@ -58,7 +58,24 @@ std::optional<std::vector<QueueItem>> QueueFile::load() {
     return readLocked();
 }
 
+std::optional<QueueFile::Known> QueueFile::stamp(std::vector<QueueItem> items) const {
+    std::error_code error;
+    std::filesystem::path file{path_.toStdString()};
+    auto modified = std::filesystem::last_write_time(file, error);
+    auto size = error ? 0 : std::filesystem::file_size(file, error);
+    if (error) {
+        return std::nullopt;
+    }
+    return Known{modified, size, std::move(items)};
+}
+
 std::optional<std::vector<QueueItem>> QueueFile::readLocked() {
+    if (known_) {
+        std::optional<Known> now = stamp({});
+        if (now && now->modified == known_->modified && now->size == known_->size) {
+            return known_->items;
+        }
+    }
     bool missing = false;
     std::optional<QByteArray> bytes = readAll(path_, missing);
     if (missing) {
@@ -78,6 +95,8 @@ std::optional<std::vector<QueueItem>> QueueFile::readLocked() {
             // Put back what could be read, so that other processes see it too.
             write(decoded.items);
         }
+    } else {
+        known_ = stamp(decoded.items);
     }
     return std::move(decoded.items);
 }
@@ -144,8 +163,10 @@ bool QueueFile::write(const std::vector<QueueItem>& items) {
     if (!file.commit()) {
         qCWarning(lcStores, "queue: queue.json could not be written (%zu items, error %d)",
                   items.size(), static_cast<int>(file.error()));
+        known_.reset();
         return false;
     }
+    known_ = stamp(items);
     return true;
 }
 

@@ -3,6 +3,8 @@
 #include "coordinator/QueueItem.hpp"
 
 #include <QString>
+#include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -41,9 +43,19 @@ private:
     bool write(const std::vector<QueueItem>& items);
     void keepAside(std::size_t bytes);
 
+    // The file as this object last read or wrote it. A file with the same time and size was not
+    // changed by anyone else since (every write replaces it), so it need not be read again.
+    struct Known {
+        std::filesystem::file_time_type modified;
+        std::uintmax_t size = 0;
+        std::vector<QueueItem> items;
+    };
+    std::optional<Known> stamp(std::vector<QueueItem> items) const;
+
     QString folder_;
     QString path_;
     QString lockPath_;
+    std::optional<Known> known_;
 };
 
 } // namespace lectorbell::coordinator

@@ -5,10 +5,7 @@
 #include "lectorbell/Diagnostics.hpp"
 #include "lectorbell/Utf8.hpp"
 #include "lectorbell/VisualSelection.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
-#include "platform/linux/X11WindowLocator.hpp"
+#include "platform/Platform.hpp"
 #include "sources/ScreenReader.hpp"
 
 #include <iostream>
@@ -58,19 +55,18 @@ void print(const sources::BandReading& first, const std::vector<ReadingBlock>& r
 
 } // namespace
 
-int runScreenOcr(ScreenPoint at, bool selection, bool json) {
-    std::shared_ptr<platform::x11::Connection> connection = platform::x11::Connection::open();
-    if (!connection) {
+int runScreenOcr(platform::Platform& platform, ScreenPoint at, bool selection, bool json) {
+    std::unique_ptr<platform::WindowLocator> locator = platform.windowLocator();
+    std::shared_ptr<platform::ScreenCapturer> capturer = platform.screenCapturer();
+    if (!locator || !capturer) {
         return ocr::printError(ReadingError{ReadingError::Kind::screenCapturePermissionNeeded},
                                json);
     }
-    platform::X11WindowLocator locator{connection};
-    std::optional<platform::TargetWindow> window = locator.window(at);
+    std::optional<platform::TargetWindow> window = locator->window(at);
     if (!window) {
         return ocr::printError(ReadingError{ReadingError::Kind::noExternalWindow}, json);
     }
-    sources::ScreenOCR reader{std::make_shared<platform::X11ScreenCapturer>(connection),
-                              [] { return std::make_unique<platform::TesseractRecognizer>(); }};
+    sources::ScreenOCR reader{capturer, [&platform] { return platform.textRecognizer(); }};
     if (selection) {
         sources::ScreenOutcome outcome = reader.recognizeWithPixels(*window, std::nullopt).get();
         if (const auto* error = std::get_if<ReadingError>(&outcome)) {

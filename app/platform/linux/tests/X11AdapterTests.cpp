@@ -4,9 +4,9 @@
 // clang-format on
 
 #include "XvfbServer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
-#include "platform/linux/X11WindowLocator.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ScreenCapturer.hpp"
+#include "platform/linux/x11/X11WindowLocator.hpp"
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::x11 {
 namespace {
 
 // A window drawn with a known pattern, on a private X server.
@@ -195,4 +195,4 @@ TEST(X11AdaptersWithoutDisplay, ReportNoScreenAccess) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::x11

@@ -21,7 +21,9 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error);
+        // Help and version end well; anything else was bad input on the command line.
+        constexpr int usageError = 2;
+        return app.exit(error) == 0 ? 0 : usageError;
     }
     if (app.get_subcommands().empty()) {
         // The tray application is not built yet: until it is, show what the executable offers.

@@ -1,5 +1,6 @@
 // Plays real speech through the Qt audio output to a PulseAudio null sink and records the sink's
 // monitor: run under scripts/with-null-sink (see CMakeLists.txt).
+#include "TestEnvironment.hpp"
 #include "platform/linux/audio/QtAudioOutput.hpp"
 #include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "speech/SystemSpeechEngine.hpp"
@@ -99,7 +100,7 @@ std::size_t longestSilenceMiddle(const PcmSamples& s, std::size_t from, std::siz
 TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
     const char* sink = std::getenv("LECTORBELL_TEST_SINK");
     if (sink == nullptr) {
-        GTEST_SKIP() << "needs the private PulseAudio of scripts/with-null-sink";
+        LECTORBELL_SKIP_TEST("needs the private PulseAudio of scripts/with-null-sink");
     }
     platform::espeak::EspeakSynthesizer synth{{"en-US"}};
     const platform::PcmFormat format = synth.format();
@@ -173,7 +174,7 @@ TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
 
 TEST(AudioPlayback, NoSoundServerGivesAClearErrorAtOnce) {
     if (std::getenv("LECTORBELL_EXPECT_NO_AUDIO") == nullptr) {
-        GTEST_SKIP() << "run with PULSE_SERVER pointing nowhere (see CMakeLists.txt)";
+        LECTORBELL_SKIP_TEST("run with PULSE_SERVER pointing nowhere (see AudioTests.cmake)");
     }
     QElapsedTimer clock;
     clock.start();

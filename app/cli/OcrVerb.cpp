@@ -1,5 +1,6 @@
 #include "cli/OcrOutput.hpp"
 #include "cli/ScreenOcr.hpp"
+#include "cli/VerbIO.hpp"
 #include "cli/Verbs.hpp"
 #include "lectorbell/ReadingOrderEngine.hpp"
 #include "lectorbell/Utf8.hpp"
@@ -37,7 +38,7 @@ int runOcr(platform::Platform& platform, const OcrOptions& options) {
     }
     std::optional<ScreenPoint> pointer;
     if (!options.at.empty()) {
-        pointer = parsePoint(options.at);
+        pointer = cli::parsePoint(options.at);
         if (!pointer) {
             std::cerr << "lectorbell: --at takes two numbers as X,Y\n";
             return unusableInput;

@@ -1,9 +1,9 @@
 #include "cli/ProbeOutput.hpp"
+#include "cli/VerbIO.hpp"
 #include "cli/Verbs.hpp"
 #include "platform/Platform.hpp"
 #include "sources/SerialQueue.hpp"
 
-#include <charconv>
 #include <iostream>
 
 namespace lectorbell::cli {
@@ -16,22 +16,6 @@ struct ProbeOptions {
     bool selection = false;
     bool json = false;
 };
-
-std::optional<ScreenPoint> parsePoint(const std::string& text) {
-    std::size_t comma = text.find(',');
-    if (comma == std::string::npos) {
-        return std::nullopt;
-    }
-    double x = 0;
-    double y = 0;
-    auto [xEnd, xError] = std::from_chars(text.data(), text.data() + comma, x);
-    auto [yEnd, yError] = std::from_chars(text.data() + comma + 1, text.data() + text.size(), y);
-    if (xError != std::errc{} || yError != std::errc{} || xEnd != text.data() + comma ||
-        yEnd != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    return ScreenPoint{x, y};
-}
 
 // Runs on the extractor's worker thread: the accessibility client lives there.
 ProbeReport probe(platform::Platform& platform, ScreenPoint point, const ProbeOptions& options) {

@@ -199,8 +199,7 @@ void addReadVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platfo
     CLI::App* verb = app.add_subcommand(
         "read", "Read a text aloud with the system voice; prints the reading's state changes");
     verb->add_option("--voice", options->voice, "Voice id (see `lectorbell voices`)");
-    verb->add_option("--pace", options->pace, "Reading pace")
-        ->check(CLI::IsMember({"slow", "normal", "fast", "faster", "veryFast", "maximum"}));
+    verb->add_option("--pace", options->pace, "Reading pace")->check(CLI::IsMember(paceNames()));
     verb->add_option("--wav", options->wav,
                      "Write the speech to this WAV file instead of playing it");
     verb->add_flag("--verbose", options->verbose, "Also print each chunk as it starts to sound");

@@ -9,6 +9,7 @@
 #include "sources/ScreenReader.hpp"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 namespace lectorbell::cli {
 
@@ -24,20 +25,22 @@ void print(const sources::BandReading& first, const std::vector<ReadingBlock>& r
            std::int64_t restMS, bool json) {
     const Part parts[] = {{"band", &first.result.blocks}, {"rest", &rest}};
     if (json) {
-        std::cout << "{\"precision\": " << jsonString(description(first.result.precision))
-                  << ", \"confidence\": " << jsonString(rawValue(first.result.confidence))
-                  << ", \"wholeWindow\": " << (first.wholeWindow ? "true" : "false")
-                  << ", \"blocks\": [";
-        const char* separator = "";
+        nlohmann::ordered_json blocks = nlohmann::ordered_json::array();
         for (const Part& part : parts) {
             for (const ReadingBlock& block : *part.blocks) {
-                std::cout << separator << ocr::blockJson(block, part.name);
-                separator = ", ";
+                blocks.push_back(ocr::blockJson(block, part.name));
             }
         }
-        std::cout << "], \"timings\": {\"capture\": " << first.captureMS
-                  << ", \"band\": " << first.bandMS << ", \"layout\": " << first.layoutMS
-                  << ", \"rest\": " << restMS << "}}\n";
+        std::cout << jsonLine({{"precision", description(first.result.precision)},
+                               {"confidence", rawValue(first.result.confidence)},
+                               {"wholeWindow", first.wholeWindow},
+                               {"blocks", blocks},
+                               {"timings",
+                                {{"capture", first.captureMS},
+                                 {"band", first.bandMS},
+                                 {"layout", first.layoutMS},
+                                 {"rest", restMS}}}})
+                  << '\n';
         return;
     }
     std::cout << "precision: " << description(first.result.precision) << '\n'

@@ -8,6 +8,7 @@
 
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace lectorbell::cli {
 
@@ -25,12 +26,13 @@ int runVoices(platform::Platform& platform, bool json) {
         const std::string accent = speech::VoiceCatalog::accent(voice.language);
         const bool isDefault = voice.id == synth.defaultVoiceId();
         if (json) {
-            std::cout << "{\"id\": " << jsonString(voice.id)
-                      << ", \"name\": " << jsonString(voice.name)
-                      << ", \"language\": " << jsonString(voice.language)
-                      << ", \"accent\": " << jsonString(accent)
-                      << ", \"quality\": " << jsonString(voice.quality)
-                      << ", \"default\": " << (isDefault ? "true" : "false") << "}\n";
+            std::cout << jsonLine({{"id", voice.id},
+                                   {"name", voice.name},
+                                   {"language", voice.language},
+                                   {"accent", accent},
+                                   {"quality", voice.quality},
+                                   {"default", isDefault}})
+                      << '\n';
         } else {
             std::cout << voice.id << '\t' << voice.name << '\t' << voice.language << '\t' << accent
                       << '\t' << voice.quality << (isDefault ? "\tdefault" : "") << '\n';

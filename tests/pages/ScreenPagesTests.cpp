@@ -6,6 +6,7 @@
 // clang-format on
 
 #include "PageTruth.hpp"
+#include "TestEnvironment.hpp"
 #include "XvfbServer.hpp"
 #include "lectorbell/ReadingOrderEngine.hpp"
 #include "lectorbell/Utf8.hpp"
@@ -60,9 +61,7 @@ TEST_P(ScreenPages, ReadFromTheScreenInOrder) {
     ASSERT_TRUE(std::holds_alternative<PixelBuffer>(image)) << std::get<std::string>(image);
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
     auto server = lectorbell::testing::XvfbServer::start(1280, 800);
-    if (!server) {
-        GTEST_SKIP() << "Xvfb is not installed";
-    }
+    LECTORBELL_REQUIRE_XVFB(server);
     ::Display* display = server->client();
     ::Window window = showImage(display, pixels);
 

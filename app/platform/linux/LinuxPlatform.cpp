@@ -2,6 +2,7 @@
 // recognition, espeak-ng for the built-in voice, Qt Multimedia for sound.
 
 #include "platform/Platform.hpp"
+#include "platform/linux/LinuxLog.hpp"
 #include "platform/linux/atspi/AtspiDesktop.hpp"
 #include "platform/linux/atspi/ProcessInfo.hpp"
 #include "platform/linux/audio/QtAudioOutput.hpp"
@@ -107,6 +108,7 @@ private:
 
 void prepareProcess(char** argv) {
     tesseract::ensureOpenMPThreadLimit(argv);
+    routeCoreLogToQt();
 }
 
 std::unique_ptr<Platform> makePlatform() {

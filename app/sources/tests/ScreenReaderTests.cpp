@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 // clang-format on
 
+#include "TestEnvironment.hpp"
 #include "XvfbServer.hpp"
 #include "lectorbell/Utf8.hpp"
 #include "lectorbell/VisualSelection.hpp"
@@ -59,9 +60,7 @@ protected:
     }
     static void TearDownTestSuite() { delete server; }
     void SetUp() override {
-        if (display == nullptr) {
-            GTEST_SKIP() << "Xvfb is not installed";
-        }
+        LECTORBELL_REQUIRE_XVFB(server);
         connection = platform::x11::Connection::open();
         ocr = std::make_unique<ScreenOCR>(
             std::make_shared<platform::x11::X11ScreenCapturer>(connection),

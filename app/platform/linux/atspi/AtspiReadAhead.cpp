@@ -184,15 +184,15 @@ bool AtspiReadAhead::load(AtspiAccessible* any) {
     if (!reply) {
         // Toolkits without the cache answer at once; a slow answer is worth a line.
         if (dbus_error_has_name(&error, DBUS_ERROR_NO_REPLY)) {
-            qCInfo(lcLinuxAccessibility) << "tree read-ahead: the cache did not answer within"
-                                         << cacheTimeoutMs << "ms; walking call by call";
+            qCInfo(lcAx) << "tree read-ahead: the cache did not answer within" << cacheTimeoutMs
+                         << "ms; walking call by call";
         }
         dbus_error_free(&error);
         return false;
     }
     if (std::strcmp(dbus_message_get_signature(reply), cacheSignature) != 0) {
-        qCInfo(lcLinuxAccessibility)
-            << "tree read-ahead: unknown cache layout" << dbus_message_get_signature(reply);
+        qCInfo(lcAx) << "tree read-ahead: unknown cache layout"
+                     << dbus_message_get_signature(reply);
         dbus_message_unref(reply);
         return false;
     }

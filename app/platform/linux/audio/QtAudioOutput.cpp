@@ -43,7 +43,7 @@ std::optional<std::string> QtAudioOutput::start(PcmFormat format) {
     }
     QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull()) {
-        qCWarning(lcLinuxSpeech, "audio: no output device");
+        qCWarning(lcReading, "audio: no output device");
         return std::string{noAudioOutputDeviceMessage};
     }
     QAudioFormat qformat;
@@ -62,7 +62,7 @@ std::optional<std::string> QtAudioOutput::start(PcmFormat format) {
         static_cast<qsizetype>(qformat.bytesForDuration(qint64{deviceBufferMs} * 1000)));
     sink_->start(feed_.get());
     if (sink_->error() != QAudio::NoError || sink_->state() == QAudio::StoppedState) {
-        qCWarning(lcLinuxSpeech, "audio: the output device did not open (error %d)",
+        qCWarning(lcReading, "audio: the output device did not open (error %d)",
                   static_cast<int>(sink_->error()));
         sink_.reset();
         feed_.reset();
@@ -175,7 +175,7 @@ void QtAudioOutput::poll() {
 
 void QtAudioOutput::failAll(const std::string& reason) {
     if (!failure_) {
-        qCWarning(lcLinuxSpeech, "audio: the output device failed; completing %zu buffers",
+        qCWarning(lcReading, "audio: the output device failed; completing %zu buffers",
                   feed_ ? feed_->entries().size() : std::size_t{0});
     }
     failure_ = reason;

@@ -68,7 +68,7 @@ private:
         sampleRate = espeak_Initialize(AUDIO_OUTPUT_SYNCHRONOUS, renderBufferMs, nullptr,
                                        espeakINITIALIZE_DONT_EXIT);
         if (sampleRate <= 0) {
-            qCWarning(lcLinuxSpeech, "speech: espeak-ng failed to initialise (%d)", sampleRate);
+            qCWarning(lcReading, "speech: espeak-ng failed to initialise (%d)", sampleRate);
             sampleRate = 0;
             return;
         }
@@ -197,13 +197,13 @@ SynthesizedSpeech EspeakSynthesizer::render(std::u16string_view text, const std:
     if (!known && !voiceId.empty() && voiceId != lastUnknownVoice_) {
         // Once per voice, not once per chunk.
         lastUnknownVoice_ = voiceId;
-        qCInfo(lcLinuxSpeech, "speech: unknown voice, the default voice speaks");
+        qCInfo(lcReading, "speech: unknown voice, the default voice speaks");
     }
     const std::string& voice = known ? voiceId : defaultVoiceId_;
     if (voice != library.currentVoice) {
         espeak_ERROR status = espeak_SetVoiceByName(voice.c_str());
         if (status != EE_OK) {
-            qCWarning(lcLinuxSpeech, "speech: espeak-ng could not load a voice (%d)", status);
+            qCWarning(lcReading, "speech: espeak-ng could not load a voice (%d)", status);
             return speech;
         }
         library.currentVoice = voice;
@@ -220,7 +220,7 @@ SynthesizedSpeech EspeakSynthesizer::render(std::u16string_view text, const std:
                                        espeakCHARS_UTF8 | espeakENDPAUSE, nullptr, nullptr);
     activeCollector = nullptr;
     if (status != EE_OK) {
-        qCWarning(lcLinuxSpeech, "speech: espeak-ng failed to render %zu bytes (%d)", utf8.size(),
+        qCWarning(lcReading, "speech: espeak-ng failed to render %zu bytes (%d)", utf8.size(),
                   status);
         return speech;
     }

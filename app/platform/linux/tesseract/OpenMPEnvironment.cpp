@@ -15,12 +15,11 @@ void ensureOpenMPThreadLimit(char** argv) {
         return;
     }
     if (setenv("OMP_THREAD_LIMIT", "1", 1) != 0) {
-        coreLog("lectorbell.ocr",
-                std::string{"openmp: cannot set the thread limit: "} + std::strerror(errno));
+        coreLog("ocr", std::string{"openmp: cannot set the thread limit: "} + std::strerror(errno));
         return;
     }
     execv("/proc/self/exe", argv);
-    coreLog("lectorbell.ocr",
+    coreLog("ocr",
             std::string{"openmp: re-run with a thread limit failed: "} + std::strerror(errno));
 }
 

@@ -218,7 +218,7 @@ Recognition TesseractRecognizer::recognize(const PixelBuffer& image, Recognition
         engine = std::make_unique<Engine>(mode);
         const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
             std::chrono::steady_clock::now() - started);
-        coreLog("lectorbell.ocr", "recognizer: init " + std::to_string(ms.count()) + " ms");
+        coreLog("ocr", "recognizer: init " + std::to_string(ms.count()) + " ms");
     }
     if (!engine->ready()) {
         engine.reset();
@@ -238,7 +238,7 @@ Recognition TesseractRecognizer::recognize(const PixelBuffer& image, Recognition
     std::vector<OCRLine> lines = engine->recognize(pix.get(), image.area);
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - started);
-    coreLog("lectorbell.ocr",
+    coreLog("ocr",
             "recognize: " + std::to_string(image.width) + "x" + std::to_string(image.height) +
                 " px, " + (mode == RecognitionMode::fast ? "fast" : "accurate") + ", " +
                 std::to_string(lines.size()) + " lines, " + std::to_string(ms.count()) + " ms");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 // clang-format on
 
+#include "TestEnvironment.hpp"
 #include "XvfbServer.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 #include "platform/linux/x11/X11ScreenCapturer.hpp"
@@ -26,9 +27,7 @@ protected:
     }
     static void TearDownTestSuite() { delete server; }
     void SetUp() override {
-        if (display == nullptr) {
-            GTEST_SKIP() << "Xvfb is not installed";
-        }
+        LECTORBELL_REQUIRE_XVFB(server);
         connection = x11::Connection::open();
         ASSERT_TRUE(connection);
     }

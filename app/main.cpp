@@ -1,5 +1,5 @@
 #include "cli/Verbs.hpp"
-#include "platform/linux/OpenMPEnvironment.hpp"
+#include "platform/Platform.hpp"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -7,20 +7,23 @@
 #include <iostream>
 
 int main(int argc, char** argv) {
-    lectorbell::platform::ensureOpenMPThreadLimit(argv);
+    lectorbell::platform::prepareProcess(argv);
     CLI::App app{"Lectorbell reads aloud the text under the mouse pointer while a key is held.\n"
                  "With no verb it starts the tray application; verbs run one stage on its own.",
                  "lectorbell"};
     app.set_version_flag("--version", std::string{"lectorbell "} + LECTORBELL_VERSION);
     app.require_subcommand(0, 1);
 
+    std::unique_ptr<lectorbell::platform::Platform> platform = lectorbell::platform::makePlatform();
     lectorbell::cli::VerbOutcome outcome;
-    lectorbell::cli::addVerbs(app, outcome);
+    lectorbell::cli::addVerbs(app, outcome, *platform);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error);
+        // Help and version end well; anything else was bad input on the command line.
+        constexpr int usageError = 2;
+        return app.exit(error) == 0 ? 0 : usageError;
     }
     if (app.get_subcommands().empty()) {
         // The tray application is not built yet: until it is, show what the executable offers.

@@ -3,7 +3,7 @@
 //   LECTORBELL_BENCH_GTK_POINT       a word in a GTK text view
 //   LECTORBELL_BENCH_ARTICLE_POINT   a word in a Chromium article
 //   LECTORBELL_BENCH_LARGE_POINT     a word in a Chromium page of about 5,000 nodes
-#include "platform/linux/AtspiDesktop.hpp"
+#include "platform/linux/atspi/AtspiDesktop.hpp"
 #include "sources/AccessibilityExtractor.hpp"
 
 #include <benchmark/benchmark.h>
@@ -35,7 +35,7 @@ void quickProbe(benchmark::State& state, const char* variable, bool quick) {
         state.SkipWithError("the point is not set: run scripts/bench-accessibility");
         return;
     }
-    static atspi::AtspiDesktop desktop;
+    static platform::atspi::AtspiDesktop desktop;
     AccessibilityExtractor extractor{
         desktop, ExtractorConfig{},
         WalkContext{[] { return std::chrono::steady_clock::now(); }, nullptr, false}};
@@ -46,7 +46,7 @@ void quickProbe(benchmark::State& state, const char* variable, bool quick) {
             state.SkipWithError("no window at the point");
             return;
         }
-        CursorOutcome outcome = extractor.extractAtCursor(*pid, *point, std::nullopt, quick);
+        CursorOutcome outcome = extractor.extractAtCursor(*pid, *point, quick);
         if (!outcome.result) {
             state.SkipWithError("no text at the point");
             return;

@@ -3,9 +3,9 @@
 //   RecognitionBench [benchmark options]   (render the pages first: ctest -R pages.render)
 
 #include "lectorbell/CoreLog.hpp"
-#include "platform/linux/ImageFile.hpp"
-#include "platform/linux/OpenMPEnvironment.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
+#include "platform/linux/tesseract/ImageFile.hpp"
+#include "platform/linux/tesseract/OpenMPEnvironment.hpp"
+#include "platform/linux/tesseract/TesseractRecognizer.hpp"
 
 #include <benchmark/benchmark.h>
 #include <string>
@@ -18,12 +18,12 @@ void recognise(benchmark::State& state, const std::string& page, int scale,
                platform::RecognitionMode mode) {
     const std::string path =
         std::string{LECTORBELL_RENDERED_PAGES} + "/" + page + "@" + std::to_string(scale) + "x.png";
-    auto image = platform::readImageFile(path, scale);
+    auto image = platform::tesseract::readImageFile(path, scale);
     if (!std::holds_alternative<PixelBuffer>(image)) {
         state.SkipWithError(("missing " + path).c_str());
         return;
     }
-    platform::TesseractRecognizer recognizer;
+    platform::tesseract::TesseractRecognizer recognizer;
     recognizer.recognize(std::get<PixelBuffer>(image), mode); // initialises the engine
     std::size_t lines = 0;
     for (auto _ : state) {
@@ -51,7 +51,7 @@ void registerAll() {
 } // namespace
 
 int main(int argc, char** argv) {
-    lectorbell::platform::ensureOpenMPThreadLimit(argv);
+    platform::tesseract::ensureOpenMPThreadLimit(argv);
     // Log lines would interleave with the table.
     lectorbell::setCoreLogSink([](std::string_view, std::string_view) {});
     registerAll();

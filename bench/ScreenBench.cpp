@@ -2,9 +2,9 @@
 // the pointer to its first text, and the whole window. Run with OMP_THREAD_LIMIT=1 in the
 // environment, as the application runs.
 #include "XvfbServer.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
+#include "platform/linux/tesseract/TesseractRecognizer.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ScreenCapturer.hpp"
 #include "sources/ScreenReader.hpp"
 
 #include <X11/Xlib.h>
@@ -46,8 +46,8 @@ struct Desktop {
         XSync(display, False);
         connection = platform::x11::Connection::open();
         ocr = std::make_unique<sources::ScreenOCR>(
-            std::make_shared<platform::X11ScreenCapturer>(connection),
-            [] { return std::make_unique<platform::TesseractRecognizer>(); }, 2);
+            std::make_shared<platform::x11::X11ScreenCapturer>(connection),
+            [] { return std::make_unique<platform::tesseract::TesseractRecognizer>(); }, 2);
     }
     ~Desktop() {
         ocr.reset();

@@ -1,7 +1,7 @@
 // The built-in voice: how fast espeak-ng renders, and how soon after `speak` the first sound is
 // handed to the audio output (the goal is under 30 ms for a 20-word chunk).
 #include "platform/AudioOutput.hpp"
-#include "platform/linux/EspeakSynthesizer.hpp"
+#include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "speech/SystemSpeechEngine.hpp"
 
 #include <benchmark/benchmark.h>
@@ -34,13 +34,16 @@ public:
     void stop() override { first.reset(); }
     std::int64_t playedFrames() const override { return 0; }
     bool isBusy() const override { return false; }
+    bool isFlowing() const override { return true; }
+    const std::optional<std::string>& failure() const override { return failure_; }
 
     std::optional<Clock::time_point> first;
+    std::optional<std::string> failure_;
     platform::AudioBufferId count = 0;
 };
 
 void espeakRenderTwentyWords(benchmark::State& state) {
-    platform::EspeakSynthesizer synth{{"en-US"}};
+    platform::espeak::EspeakSynthesizer synth{{"en-US"}};
     const float rate = static_cast<float>(state.range(0)) / 100.0F;
     double audioSeconds = 0;
     for (auto _ : state) {
@@ -56,7 +59,7 @@ void espeakRenderTwentyWords(benchmark::State& state) {
 BENCHMARK(espeakRenderTwentyWords)->Arg(50)->Arg(72)->Unit(benchmark::kMillisecond);
 
 void speakToFirstBuffer(benchmark::State& state) {
-    platform::EspeakSynthesizer synth{{"en-US"}};
+    platform::espeak::EspeakSynthesizer synth{{"en-US"}};
     FirstBufferOutput output;
     speech::SystemSpeechEngine engine{synth, output};
     for (auto _ : state) {

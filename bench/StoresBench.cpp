@@ -20,7 +20,7 @@ using namespace std::chrono;
 // A settings file with every key set and `rules` pronunciation fixes: up to 300 of the user's
 // own, the rest shared.
 void fillSettings(const QString& path, int rules) {
-    platform::IniSettingsStore store{path};
+    platform::settings::IniSettingsStore store{path};
     coordinator::ReadingSettings settings{store};
     settings.setPace(PacePreset::fast);
     settings.setVoiceIdentifier("en-gb");
@@ -61,7 +61,7 @@ void settingsLoad(benchmark::State& state) {
         stamp = stamp.addMSecs(10);
         touch(path, stamp);
         state.ResumeTiming();
-        platform::IniSettingsStore store{path};
+        platform::settings::IniSettingsStore store{path};
         coordinator::ReadingSettings settings{store};
         benchmark::DoNotOptimize(settings.sharedPronunciations().size());
     }
@@ -98,7 +98,7 @@ void historyLoad200(benchmark::State& state) {
     QTemporaryDir root;
     const QString path = root.filePath(QStringLiteral("lectorbell.conf"));
     {
-        platform::IniSettingsStore store{path};
+        platform::settings::IniSettingsStore store{path};
         coordinator::StatsStore history{store, UserCalendar{"Europe/Kyiv"}};
         Date at = system_clock::now() - hours{24 * 400};
         for (int i = 0; i < 400; ++i) {
@@ -113,7 +113,7 @@ void historyLoad200(benchmark::State& state) {
         stamp = stamp.addMSecs(10);
         touch(path, stamp);
         state.ResumeTiming();
-        platform::IniSettingsStore store{path};
+        platform::settings::IniSettingsStore store{path};
         coordinator::StatsStore history{store, UserCalendar{"Europe/Kyiv"}};
         benchmark::DoNotOptimize(history.recent().size());
     }

@@ -1,7 +1,8 @@
 // Plays real speech through the Qt audio output to a PulseAudio null sink and records the sink's
 // monitor: run under scripts/with-null-sink (see CMakeLists.txt).
-#include "platform/linux/EspeakSynthesizer.hpp"
-#include "platform/linux/QtAudioOutput.hpp"
+#include "TestEnvironment.hpp"
+#include "platform/linux/audio/QtAudioOutput.hpp"
+#include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "speech/SystemSpeechEngine.hpp"
 
 #include <QCoreApplication>
@@ -33,6 +34,8 @@ public:
     void stop() override { out_.stop(); }
     std::int64_t playedFrames() const override { return out_.playedFrames(); }
     bool isBusy() const override { return out_.isBusy(); }
+    bool isFlowing() const override { return out_.isFlowing(); }
+    const std::optional<std::string>& failure() const override { return out_.failure(); }
 
     PcmSamples scheduled;
 
@@ -97,9 +100,9 @@ std::size_t longestSilenceMiddle(const PcmSamples& s, std::size_t from, std::siz
 TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
     const char* sink = std::getenv("LECTORBELL_TEST_SINK");
     if (sink == nullptr) {
-        GTEST_SKIP() << "needs the private PulseAudio of scripts/with-null-sink";
+        LECTORBELL_SKIP_TEST("needs the private PulseAudio of scripts/with-null-sink");
     }
-    platform::EspeakSynthesizer synth{{"en-US"}};
+    platform::espeak::EspeakSynthesizer synth{{"en-US"}};
     const platform::PcmFormat format = synth.format();
 
     QProcess recorder;
@@ -108,7 +111,7 @@ TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
                     "--rate=" + QString::number(format.sampleRate), "--latency-msec=10"});
     ASSERT_TRUE(recorder.waitForStarted(5000)) << "parec (pulseaudio-utils) is needed";
 
-    platform::QtAudioOutput device;
+    platform::audio::QtAudioOutput device;
     TeeAudioOutput output{device};
     ASSERT_EQ(output.start(format), std::nullopt);
     speech::SystemSpeechEngine engine{synth, output};
@@ -171,11 +174,11 @@ TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
 
 TEST(AudioPlayback, NoSoundServerGivesAClearErrorAtOnce) {
     if (std::getenv("LECTORBELL_EXPECT_NO_AUDIO") == nullptr) {
-        GTEST_SKIP() << "run with PULSE_SERVER pointing nowhere (see CMakeLists.txt)";
+        LECTORBELL_SKIP_TEST("run with PULSE_SERVER pointing nowhere (see AudioTests.cmake)");
     }
     QElapsedTimer clock;
     clock.start();
-    platform::QtAudioOutput output;
+    platform::audio::QtAudioOutput output;
     EXPECT_EQ(output.start({22050, 1}), std::optional<std::string>{"No audio output device"});
     EXPECT_LT(clock.elapsed(), 5000);
 

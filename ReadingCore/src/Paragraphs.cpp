@@ -1,6 +1,7 @@
 #include "Paragraphs.hpp"
 
 #include "Characters.hpp"
+#include "ListMarkers.hpp"
 #include "TextClasses.hpp"
 #include "TextTrim.hpp"
 #include "lectorbell/TextSegmenter.hpp"
@@ -37,8 +38,9 @@ void ParagraphBuilder::addLine(std::u16string_view rawLine, std::vector<std::u16
         return;
     }
     // A wrapped hyphen before a lower-case start joins even after terminal punctuation tests;
-    // otherwise terminal punctuation or a start that is not lower-case ends the paragraph.
-    bool startsLower = isLowercaseCharacter(firstCharacter(line));
+    // otherwise terminal punctuation or a start that is not lower-case ends the paragraph. A list
+    // item ("a. first item") is never a wrapped line, whatever its case.
+    bool startsLower = isLowercaseCharacter(firstCharacter(line)) && listMarkerLength(line) == 0;
     bool hyphenJoin = startsLower && endsWithHyphenAfterLetter(current_);
     if (!hyphenJoin &&
         (TextSegmenter::isTerminalPunctuation(lastCharacter(current_)) || !startsLower)) {

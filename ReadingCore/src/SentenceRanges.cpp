@@ -1,4 +1,6 @@
 #include "GraphemeBreaks.hpp"
+#include "ListMarkers.hpp"
+#include "SentenceStops.hpp"
 #include "TextClasses.hpp"
 #include "TextTrim.hpp"
 #include "lectorbell/Fatal.hpp"
@@ -78,13 +80,21 @@ bool isOpeningPunctuation(char32_t c) {
            c == u'\u00AB';
 }
 
+std::size_t skipHorizontal(std::u16string_view text, std::size_t i, std::size_t end) {
+    while (i < end && detail::isHorizontalWhitespace(scalarAt(text, i))) {
+        i += U16_LENGTH(scalarAt(text, i));
+    }
+    return i;
+}
+
 // A citation mark such as "[12]", "[3–5]", "[b]" or "[citation needed]" at the start of s.
 std::size_t citationMarkLength(std::u16string_view s) {
     if (s.empty() || s[0] != u'[') {
         return 0;
     }
-    std::size_t close = s.find(u']'); // npos when missing, also past the limit
-    if (close > 24) {
+    // npos when missing or past the limit; only the limit is searched.
+    std::size_t close = s.substr(0, 25).find(u']');
+    if (close == std::u16string_view::npos) {
         return 0;
     }
     std::u16string inside = detail::lowercased(s.substr(1, close - 1));
@@ -105,32 +115,62 @@ std::size_t citationMarkLength(std::u16string_view s) {
     return digits && body.front() >= u'0' && body.front() <= u'9' ? close + 1 : 0;
 }
 
-// Where a sentence ends at a mark the tokenizer does not treat as an end: "…" (U+2026), or a
-// citation mark after a full stop ("cited.[citation needed] Then"). Returns the length of that
-// ending at i, or 0.
+// The citation marks that follow one another at the start of s ("[1][2]", "[3] [4]").
+std::size_t citationRunLength(std::u16string_view s) {
+    std::size_t end = 0;
+    for (std::size_t at = 0, mark = citationMarkLength(s); mark > 0;
+         mark = citationMarkLength(s.substr(at))) {
+        end = at + mark;
+        at = skipHorizontal(s, end, s.size());
+    }
+    return end;
+}
+
+bool isStop(char16_t c) {
+    return c == u'.' || c == u'!' || c == u'?';
+}
+
+// Where a sentence ends at a mark the tokenizer does not treat as an end: "…" (U+2026), or
+// citation marks after a full stop ("cited.[citation needed] Then", "cited. [1] [2] Then").
+// Returns the length of that ending at i, or 0.
 std::size_t hiddenEndingAt(std::u16string_view text, std::size_t i, std::size_t end) {
     if (text[i] == u'\u2026') {
         return 1;
     }
-    if (text[i] == u'[' && i > 0 &&
-        (text[i - 1] == u'.' || text[i - 1] == u'!' || text[i - 1] == u'?')) {
-        return citationMarkLength(text.substr(i, end - i));
+    if (text[i] != u'[') {
+        return 0;
     }
-    return 0;
+    std::size_t stop = i;
+    while (stop > 0 && detail::isHorizontalWhitespace(text[stop - 1])) {
+        --stop;
+    }
+    return stop > 0 && isStop(text[stop - 1]) ? citationRunLength(text.substr(i, end - i)) : 0;
 }
 
-// Adds the breaks the tokenizer misses before a capitalised word (not the pronoun "I") after a
-// hidden ending.
-std::vector<Span> splitAfterHiddenEndings(std::u16string_view text,
-                                          const std::vector<Span>& spans) {
+// Where the next sentence starts when the text from span.start to p ends one although the
+// tokenizer went on: after a hidden ending before a capitalised word (not the pronoun "I"), or
+// after a stop that ends a sentence before a digit or a word such as "iPhones".
+bool startsMissedSentence(std::u16string_view text, Span span, std::size_t p, bool hidden) {
+    if (!hidden) {
+        return detail::stopEndsSentence(text.substr(span.start, p - span.start),
+                                        text.substr(p, span.end - p));
+    }
+    std::u16string_view next = detail::firstCharacter(text.substr(p, span.end - p));
+    bool pronounI =
+        next == u"I" && (p + 1 >= span.end || !detail::isLetterOrDigit(scalarAt(text, p + 1)));
+    return detail::isUppercaseCharacter(next) && !pronounI;
+}
+
+// Adds the breaks the tokenizer misses.
+std::vector<Span> splitAtMissedEnds(std::u16string_view text, const std::vector<Span>& spans) {
     std::vector<Span> result;
     for (Span span : spans) {
         for (std::size_t i = span.start; i < span.end; ++i) {
             std::size_t ending = hiddenEndingAt(text, i, span.end);
-            if (ending == 0) {
+            if (ending == 0 && !isStop(text[i])) {
                 continue;
             }
-            std::size_t p = i + ending;
+            std::size_t p = i + (ending > 0 ? ending : 1);
             while (p < span.end && isClosingQuote(text[p])) {
                 ++p;
             }
@@ -141,10 +181,7 @@ std::vector<Span> splitAfterHiddenEndings(std::u16string_view text,
             if (p == spaceStart || p >= span.end) {
                 continue;
             }
-            std::u16string_view next = detail::firstCharacter(text.substr(p, span.end - p));
-            bool pronounI = next == u"I" &&
-                            (p + 1 >= span.end || !detail::isLetterOrDigit(scalarAt(text, p + 1)));
-            if (detail::isUppercaseCharacter(next) && !pronounI) {
+            if (startsMissedSentence(text, span, p, ending > 0)) {
                 result.push_back({span.start, p});
                 span.start = p;
                 i = p - 1;
@@ -155,134 +192,32 @@ std::vector<Span> splitAfterHiddenEndings(std::u16string_view text,
     return result;
 }
 
-std::size_t skipHorizontal(std::u16string_view text, std::size_t i, std::size_t end) {
-    while (i < end && detail::isHorizontalWhitespace(scalarAt(text, i))) {
-        i += U16_LENGTH(scalarAt(text, i));
-    }
-    return i;
-}
-
-// How much of `next` is a citation mark cut from the end of `previous`.
+// How much of `next` is a run of citation marks cut from the end of `previous`.
 std::size_t citationCarryOver(std::u16string_view text, Span previous, Span next) {
-    // "true.[" | "1] Next": the mark was cut in two.
+    // "true.[" | "1][2] Next": the first mark was cut in two.
     std::u16string_view before = text.substr(previous.start, previous.end - previous.start);
     std::size_t open = before.rfind(u'[');
     if (open != std::u16string_view::npos && before.size() - open <= 24 &&
         before.find(u']', open) == std::u16string_view::npos) {
-        std::size_t length = citationMarkLength(
-            text.substr(previous.start + open, next.end - previous.start - open));
-        if (length > before.size() - open) {
-            std::size_t end = previous.start + open + length;
+        std::size_t markStart = previous.start + open;
+        std::size_t end =
+            markStart + citationRunLength(text.substr(markStart, next.end - markStart));
+        if (end > next.start) {
             return skipHorizontal(text, end, next.end) - next.start;
         }
     }
-    // "true. " | "[12] Next": the mark starts the next range.
+    // "true. " | "[12] Next": the marks start the next range.
     std::size_t start = skipHorizontal(text, next.start, next.end);
-    std::size_t length = citationMarkLength(text.substr(start, next.end - start));
+    std::size_t length = citationRunLength(text.substr(start, next.end - start));
     if (length > 0 && !before.empty()) {
         return skipHorizontal(text, start + length, next.end) - next.start;
     }
     return 0;
 }
 
-bool isDigit(char16_t c) {
-    return c >= u'0' && c <= u'9';
-}
-
-// Where a list number such as "1.", "2)" or "3.)" starts at the end of s (trailing whitespace
-// ignored), or npos.
-std::size_t trailingListNumber(std::u16string_view s) {
-    s = detail::trimWhitespace(s);
-    std::size_t i = s.size();
-    bool paren = i > 0 && s[i - 1] == u')';
-    i -= paren ? 1 : 0;
-    bool dot = i > 0 && s[i - 1] == u'.';
-    i -= dot ? 1 : 0;
-    if (!paren && !dot) {
-        return std::u16string_view::npos;
-    }
-    std::size_t digitsEnd = i;
-    while (i > 0 && isDigit(s[i - 1])) {
-        --i;
-    }
-    if (i == digitsEnd || digitsEnd - i > 3) {
-        return std::u16string_view::npos;
-    }
-    if (i > 0 && s[i - 1] == u'(') {
-        --i;
-    }
-    if (i > 0 && !detail::isHorizontalWhitespace(s[i - 1])) {
-        return std::u16string_view::npos;
-    }
-    return i;
-}
-
-// "1." alone, or after a colon or semicolon ("Steps: 1."): an inline list number, not the end of
-// a sentence.
-bool endsWithListNumber(std::u16string_view s) {
-    std::size_t start = trailingListNumber(s);
-    if (start == std::u16string_view::npos) {
-        return false;
-    }
-    std::u16string_view head = detail::trimSpacesAndTabs(s.substr(0, start));
-    return head.empty() || head.back() == u':' || head.back() == u';';
-}
-
-// "item 2.)" at the end of a range: the number starts the next sentence. Only markers with a
-// parenthesis: "in 1990." is a year, not a list.
-std::size_t listMarkerToCarryForward(std::u16string_view s) {
-    std::size_t start = trailingListNumber(s);
-    std::u16string_view trimmed = detail::trimWhitespace(s);
-    if (start == std::u16string_view::npos || start == 0 || trimmed.back() != u')' ||
-        endsWithListNumber(s)) {
-        return 0;
-    }
-    return s.size() - start;
-}
-
-bool endsWithEllipsis(std::u16string_view s) {
-    s = detail::trimWhitespace(s);
-    if (!s.empty() && s.back() == u'\u2026') {
-        return true;
-    }
-    int dots = 0;
-    for (std::size_t i = s.size(); i > 0 && dots < 3; --i) {
-        if (s[i - 1] == u'.') {
-            ++dots;
-        } else if (s[i - 1] != u' ') {
-            break;
-        }
-    }
-    return dots == 3;
-}
-
 bool startsWithPronounI(std::u16string_view s) {
     s = detail::trimWhitespace(s);
     return s.starts_with(u"I") && (s.size() == 1 || !detail::isLetterOrDigit(scalarAt(s, 1)));
-}
-
-// A short word before the final period followed by a number: "N\u00B0. 12", "p. 5".
-bool numberAfterShortWord(std::u16string_view before, std::u16string_view after) {
-    std::u16string_view trimmed = detail::trimWhitespace(before);
-    if (trimmed.empty() || trimmed.back() != u'.') {
-        return false;
-    }
-    trimmed.remove_suffix(1);
-    std::size_t space = trimmed.find_last_of(u" (");
-    std::u16string_view word =
-        space == std::u16string_view::npos ? trimmed : trimmed.substr(space + 1);
-    // Two letters at most ("p", "pp"), or a sign that is not a letter ("N\u00B0"): "lid. 2." is a
-    // sentence end before a list number.
-    bool hasSign = false;
-    bool hasDigit = false;
-    for (char16_t c : word) {
-        hasDigit = hasDigit || isDigit(c);
-        hasSign = hasSign || (!isDigit(c) && !detail::isLetterOrDigit(c));
-    }
-    std::u16string_view next = detail::trimWhitespace(after);
-    bool shortWord =
-        !word.empty() && !hasDigit && (word.size() <= 2 || (hasSign && word.size() <= 3));
-    return shortWord && !next.empty() && isDigit(next[0]);
 }
 
 // "(Smith 55)." after a quotation: a reference that ends the sentence before it.
@@ -317,13 +252,12 @@ bool hasLetterOrDigit(std::u16string_view s) {
     return false;
 }
 
-// Breaks the tokenizer makes that are not sentence ends.
-bool belongsToPrevious(std::u16string_view text, Span previous, Span next) {
-    std::u16string_view before = text.substr(previous.start, previous.end - previous.start);
-    std::u16string_view after = text.substr(next.start, next.end - next.start);
-    if (endsWithAbbreviation(before) || endsWithListNumber(before) ||
-        numberAfterShortWord(before, after) || isParentheticalReference(after) ||
-        (endsWithEllipsis(before) && startsWithPronounI(after))) {
+// Breaks the tokenizer makes that are not sentence ends, judged by the text alone.
+bool joinsPrevious(std::u16string_view before, std::u16string_view after) {
+    if (endsWithAbbreviation(before) || detail::endsWithListNumber(before) ||
+        detail::isListMarker(before) || detail::numberAfterShortWord(before, after) ||
+        isParentheticalReference(after) ||
+        (detail::endsWithEllipsis(before) && startsWithPronounI(after))) {
         return true;
     }
     // Inside a URL or address ("search?q=1"): no space on either side of the break.
@@ -333,6 +267,35 @@ bool belongsToPrevious(std::u16string_view text, Span previous, Span next) {
         return true;
     }
     return startsLowercase(after) || !hasLetterOrDigit(after);
+}
+
+// A list item at the start of a line ("1. Buy milk", "a. first item", "• eggs"), or a lettered
+// item carried over from the previous range ("b. The second item").
+bool startsListItem(std::u16string_view text, Span next) {
+    std::size_t start = skipHorizontal(text, next.start, next.end);
+    std::u16string_view item = text.substr(start, next.end - start);
+    std::size_t marker = detail::listMarkerLength(item);
+    if (marker == 0) {
+        return false;
+    }
+    std::size_t lineStart = next.start;
+    while (lineStart > 0 && detail::isHorizontalWhitespace(text[lineStart - 1])) {
+        --lineStart;
+    }
+    if (lineStart == 0 || detail::isNewline(text[lineStart - 1])) {
+        return true;
+    }
+    return detail::startsWithLetterMarker(item) &&
+           detail::isUppercaseCharacter(detail::firstCharacter(item.substr(marker)));
+}
+
+bool belongsToPrevious(std::u16string_view text, Span previous, Span next) {
+    if (startsListItem(text, next)) {
+        return false;
+    }
+    std::u16string_view before = text.substr(previous.start, previous.end - previous.start);
+    std::u16string_view after = text.substr(next.start, next.end - next.start);
+    return joinsPrevious(before, after) && !detail::stopEndsSentence(before, after);
 }
 
 } // namespace
@@ -371,7 +334,7 @@ std::vector<UTF16Range> sentenceRanges(std::u16string_view text) {
     if (text.empty()) {
         return {};
     }
-    std::vector<Span> spans = splitAfterHiddenEndings(text, tokenizerSpans(text));
+    std::vector<Span> spans = splitAtMissedEnds(text, tokenizerSpans(text));
     if (spans.empty()) {
         spans.push_back({0, text.size()});
     }
@@ -385,8 +348,8 @@ std::vector<UTF16Range> sentenceRanges(std::u16string_view text) {
             if (span.start >= span.end) {
                 continue;
             }
-            std::size_t marker = listMarkerToCarryForward(
-                text.substr(previous.start, previous.end - previous.start));
+            std::size_t marker = detail::listMarkerToCarryForward(
+                text, previous.start, previous.end, text.substr(span.start, span.end - span.start));
             previous.end -= marker;
             span.start -= marker;
             if (belongsToPrevious(text, previous, span)) {

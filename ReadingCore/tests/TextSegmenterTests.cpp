@@ -1,5 +1,7 @@
+#include "ListMarkers.hpp"
 #include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
+#include "lectorbell/Utf8.hpp"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +23,10 @@ TEST(TextSegmenter, Paragraphs) {
         {u"It is the end.\nand then", {u"It is the end.", u"and then"}},
         {u"a line ending in 3-\n3 more", {u"a line ending in 3-", u"3 more"}},
         {u"word-\n(aside)", {u"word-", u"(aside)"}},
+        {u"Options\na. first item\nb) second item",
+         {u"Options", u"a. first item", u"b) second item"}},
+        {u"the plan\na.m. starts\niv. fourth\nin the end",
+         {u"the plan a.m. starts", u"iv. fourth in the end"}},
         {u"one\r\n\r\ntwo\u2029three\u2028Four", {u"one", u"two three", u"Four"}},
         {u"  \t padded \t\nline  ", {u"padded line"}},
         {u"\n\n \n", {}},
@@ -28,6 +34,23 @@ TEST(TextSegmenter, Paragraphs) {
     };
     for (const Case& c : cases) {
         EXPECT_EQ(TextSegmenter::paragraphs(c.text), c.expected);
+    }
+}
+
+TEST(TextSegmenter, ListMarkerLength) {
+    struct Case {
+        std::u16string_view line;
+        std::size_t length;
+    };
+    const Case cases[] = {
+        {u"1. Buy milk", 3}, {u"12) x", 4},    {u"3.) x", 4},     {u"(4) x", 4},
+        {u"a. first", 3},    {u"(c)  x", 5},   {u"iv. x", 4},     {u"II. Methods", 4},
+        {u"\u2022 eggs", 2}, {u"1990. x", 0},  {u"3.5 kg", 0},    {u"a.m. start", 0},
+        {u"I. Smith", 0},    {u"A. Smith", 0}, {u"e.g. this", 0}, {u"in. x", 0},
+        {u"1.", 0},          {u"", 0},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(detail::listMarkerLength(c.line), c.length) << toUtf8(std::u16string{c.line});
     }
 }
 

@@ -3,7 +3,7 @@
 
 #include "cli/Verbs.hpp"
 #include "lectorbell/ReadingModel.hpp"
-#include "platform/linux/AtspiDesktop.hpp"
+#include "platform/Platform.hpp"
 #include "sources/SerialQueue.hpp"
 #include "sources/TrustNotice.hpp"
 
@@ -14,13 +14,13 @@ namespace lectorbell::cli {
 
 namespace {
 
-int runAccessibility(bool enable) {
+int runAccessibility(platform::Platform& platform, bool enable) {
     // The accessibility client lives on one worker thread, as in the extractor.
     SerialQueue queue;
     return queue
-        .submit([enable] {
+        .submit([&platform, enable] {
             if (!enable) {
-                std::optional<bool> on = atspi::AtspiDesktop::toolkitAccessibilityEnabled();
+                std::optional<bool> on = platform.toolkitAccessibilityEnabled();
                 if (!on) {
                     std::cout << ReadingError{ReadingError::Kind::accessibilityPermissionNeeded}
                                      .userMessage()
@@ -30,8 +30,8 @@ int runAccessibility(bool enable) {
                 std::cout << "accessibility: " << (*on ? "on" : "off") << '\n';
                 return 0;
             }
-            atspi::AtspiDesktop desktop;
-            std::optional<AccessibilityGrant> grant = desktop.requestTrust();
+            std::optional<AccessibilityGrant> grant =
+                platform.accessibilityDesktop()->requestTrust();
             if (!grant) {
                 std::cout
                     << ReadingError{ReadingError::Kind::accessibilityPermissionNeeded}.userMessage()
@@ -49,13 +49,15 @@ int runAccessibility(bool enable) {
 
 } // namespace
 
-void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome) {
+void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto enable = std::make_shared<bool>(false);
     CLI::App* verb = app.add_subcommand(
         "accessibility", "Show whether apps expose their text to Lectorbell; --enable turns it on");
     verb->add_flag("--enable", *enable,
                    "Turn accessibility on for apps, for good, and name the apps to restart");
-    verb->callback([enable, &outcome] { outcome.exitStatus = runAccessibility(*enable); });
+    verb->callback([enable, &outcome, &platform] {
+        outcome.exitStatus = runAccessibility(platform, *enable);
+    });
 }
 
 } // namespace lectorbell::cli

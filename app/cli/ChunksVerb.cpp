@@ -7,6 +7,7 @@
 #include <deque>
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace lectorbell::cli {
 
@@ -101,9 +102,10 @@ int runChunks(const ChunksOptions& options) {
     auto printNew = [&] {
         for (; printed < engine.spoken(); ++printed) {
             const SpeechChunk& chunk = session.chunks().at(printed);
-            std::cout << "{\"block\": " << chunk.blockIndex
-                      << ", \"text\": " << jsonString(chunk.text)
-                      << ", \"spoken\": " << jsonString(chunk.spokenText) << "}\n";
+            std::cout << jsonLine({{"block", chunk.blockIndex},
+                                   {"text", toUtf8(chunk.text)},
+                                   {"spoken", toUtf8(chunk.spokenText)}})
+                      << '\n';
         }
     };
     std::int64_t generation = session.beginPreparing();
@@ -114,7 +116,7 @@ int runChunks(const ChunksOptions& options) {
     }
     printNew();
     if (session.state().kind() == SessionState::Kind::failed) {
-        std::cout << "{\"error\": " << jsonString(session.state().error()->userMessage()) << "}\n";
+        std::cout << jsonLine({{"error", session.state().error()->userMessage()}}) << '\n';
         return 3;
     }
     return 0;

@@ -75,8 +75,8 @@ void printHistory(const Json& history) {
     std::fflush(stdout);
 }
 
-int showHistory(bool json) {
-    Stores stores = makeStores();
+int showHistory(platform::Platform& platform, bool json) {
+    Stores stores = makeStores(platform);
     coordinator::StatsStore history{*stores.settings, UserCalendar::current()};
     const Date now = std::chrono::system_clock::now();
     Json report = historyJson(history, now);
@@ -95,12 +95,13 @@ int showHistory(bool json) {
 
 } // namespace
 
-void addHistoryVerb(CLI::App& app, VerbOutcome& outcome) {
+void addHistoryVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto json = std::make_shared<bool>(false);
     CLI::App* verb = app.add_subcommand(
         "history", "Show listening totals, words per day and the recent readings (never text)");
     verb->add_flag("--json", *json, "Print the history as JSON");
-    verb->callback([json, &outcome] { outcome.exitStatus = showHistory(*json); });
+    verb->callback(
+        [json, &outcome, &platform] { outcome.exitStatus = showHistory(platform, *json); });
 }
 
 } // namespace lectorbell::cli

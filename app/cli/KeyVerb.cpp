@@ -9,6 +9,7 @@
 #include <QString>
 #include <iostream>
 #include <iterator>
+#include <memory>
 
 namespace lectorbell::cli {
 
@@ -20,10 +21,24 @@ using Status = platform::SecretStore::Status;
 // Longer than any API key; more input is not a key.
 constexpr std::size_t longestKey = 4096;
 
-int keyStatus() {
+// The keychain over the running system's secret stores.
+struct KeyStores {
+    explicit KeyStores(platform::Platform& platform)
+        : stores{makeStores(platform)}
+        , current{platform.secretStore()}
+        , former{platform.formerSecretStore()}
+        , keychain{*current, *former, *stores.settings} {}
+
+    Stores stores;
+    std::unique_ptr<platform::SecretStore> current;
+    std::unique_ptr<platform::SecretStore> former;
+    Keychain keychain;
+};
+
+int keyStatus(platform::Platform& platform) {
     qtApplication();
-    Stores stores = makeStores();
-    Keychain keychain{*stores.keyring, *stores.formerKeyring, *stores.settings};
+    KeyStores stores{platform};
+    Keychain& keychain = stores.keychain;
     platform::SecretStore::Lookup lookup = keychain.get(Keychain::elevenLabsAccount);
     switch (lookup.status) {
     case Status::found:
@@ -39,7 +54,7 @@ int keyStatus() {
     return exitFailed;
 }
 
-int setKey() {
+int setKey(platform::Platform& platform) {
     std::string input;
     std::istreambuf_iterator<char> in{std::cin};
     for (; in != std::istreambuf_iterator<char>{} && input.size() <= longestKey; ++in) {
@@ -53,8 +68,8 @@ int setKey() {
         return refuse("key set: standard input does not hold one API key");
     }
     qtApplication();
-    Stores stores = makeStores();
-    Keychain keychain{*stores.keyring, *stores.formerKeyring, *stores.settings};
+    KeyStores stores{platform};
+    Keychain& keychain = stores.keychain;
     if (!keychain.set(key, Keychain::elevenLabsAccount).ok) {
         std::cerr << "lectorbell: " << Keychain::saveFailedMessage << '\n';
         return exitFailed;
@@ -63,10 +78,10 @@ int setKey() {
     return 0;
 }
 
-int deleteKey() {
+int deleteKey(platform::Platform& platform) {
     qtApplication();
-    Stores stores = makeStores();
-    Keychain keychain{*stores.keyring, *stores.formerKeyring, *stores.settings};
+    KeyStores stores{platform};
+    Keychain& keychain = stores.keychain;
     if (!keychain.remove(Keychain::elevenLabsAccount).ok) {
         std::cerr << "lectorbell: couldn't delete the key from the keyring\n";
         return exitFailed;
@@ -77,17 +92,16 @@ int deleteKey() {
 
 } // namespace
 
-void addKeyVerb(CLI::App& app, VerbOutcome& outcome) {
+void addKeyVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     CLI::App* verb = app.add_subcommand("key", "The ElevenLabs API key in the desktop's keyring");
     verb->require_subcommand(1);
-    verb->add_subcommand("status", "Tell whether a key is stored")->callback([&outcome] {
-        outcome.exitStatus = keyStatus();
+    verb->add_subcommand("status", "Tell whether a key is stored")->callback([&outcome, &platform] {
+        outcome.exitStatus = keyStatus(platform);
     });
-    verb->add_subcommand("set", "Store the key read from standard input")->callback([&outcome] {
-        outcome.exitStatus = setKey();
-    });
-    verb->add_subcommand("delete", "Delete the stored key")->callback([&outcome] {
-        outcome.exitStatus = deleteKey();
+    verb->add_subcommand("set", "Store the key read from standard input")
+        ->callback([&outcome, &platform] { outcome.exitStatus = setKey(platform); });
+    verb->add_subcommand("delete", "Delete the stored key")->callback([&outcome, &platform] {
+        outcome.exitStatus = deleteKey(platform);
     });
 }
 

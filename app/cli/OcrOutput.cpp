@@ -3,52 +3,22 @@
 #include "cli/VerbIO.hpp"
 #include "lectorbell/Utf8.hpp"
 
-#include <array>
-#include <cmath>
-#include <cstdio>
 #include <iostream>
-#include <sstream>
+#include <nlohmann/json.hpp>
 
 namespace lectorbell::cli::ocr {
 
-std::optional<ScreenPoint> parsePoint(const std::string& text) {
-    std::istringstream in{text};
-    double x = 0;
-    double y = 0;
-    char comma = 0;
-    if (!(in >> x >> comma >> y) || comma != ',' || !in.eof() || !std::isfinite(x) ||
-        !std::isfinite(y)) {
-        return std::nullopt;
-    }
-    return ScreenPoint{x, y};
-}
-
-// A coordinate in points with at most two decimals ("80", "101.5").
-std::string number(double value) {
-    if (!std::isfinite(value)) {
-        return "0";
-    }
-    std::array<char, 64> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "%.2f", value);
-    std::string text{buffer.data()};
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') {
-        text.pop_back();
-    }
-    return text == "-0" ? "0" : text;
-}
-
-std::string blockJson(const ReadingBlock& block, const char* part) {
+nlohmann::ordered_json blockJson(const ReadingBlock& block, const char* part) {
     const ScreenRect bounds = block.bounds.value_or(ScreenRect{});
-    std::string json = "{";
+    nlohmann::ordered_json object = nlohmann::ordered_json::object();
     if (part != nullptr) {
-        json += "\"part\": " + jsonString(std::string_view{part}) + ", ";
+        object["part"] = part;
     }
-    json += "\"role\": " + jsonString(rawValue(block.role)) +
-            ", \"text\": " + jsonString(block.text) + ", \"bounds\": [" + number(bounds.x()) +
-            ", " + number(bounds.y()) + ", " + number(bounds.width()) + ", " +
-            number(bounds.height()) + "]}";
-    return json;
+    object["role"] = rawValue(block.role);
+    object["text"] = toUtf8(block.text);
+    object["bounds"] = {pointsNumber(bounds.x()), pointsNumber(bounds.y()),
+                        pointsNumber(bounds.width()), pointsNumber(bounds.height())};
+    return object;
 }
 
 void printResult(const OCRReadingResult& result, bool json) {
@@ -60,20 +30,19 @@ void printResult(const OCRReadingResult& result, bool json) {
         }
         return;
     }
-    std::cout << "{\"precision\": " << jsonString(description(result.precision))
-              << ", \"confidence\": " << jsonString(rawValue(result.confidence))
-              << ", \"blocks\": [";
-    const char* separator = "";
+    nlohmann::ordered_json blocks = nlohmann::ordered_json::array();
     for (const ReadingBlock& block : result.blocks) {
-        std::cout << separator << blockJson(block);
-        separator = ", ";
+        blocks.push_back(blockJson(block));
     }
-    std::cout << "]}\n";
+    std::cout << jsonLine({{"precision", description(result.precision)},
+                           {"confidence", rawValue(result.confidence)},
+                           {"blocks", blocks}})
+              << '\n';
 }
 
 int printError(const ReadingError& error, bool json) {
     if (json) {
-        std::cout << "{\"error\": " << jsonString(error.userMessage()) << "}\n";
+        std::cout << jsonLine({{"error", error.userMessage()}}) << '\n';
     } else {
         std::cerr << "lectorbell: " << error.userMessage() << '\n';
     }
@@ -85,7 +54,7 @@ int printSelection(const std::optional<std::u16string>& selected, bool json) {
         return noHighlight;
     }
     if (json) {
-        std::cout << "{\"selection\": " << jsonString(*selected) << "}\n";
+        std::cout << jsonLine({{"selection", toUtf8(*selected)}}) << '\n';
     } else {
         std::cout << toUtf8(*selected) << '\n';
     }

@@ -3,6 +3,7 @@
 #include "lectorbell/OCRRecords.hpp"
 #include "lectorbell/ReadingModel.hpp"
 
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
@@ -14,12 +15,8 @@ constexpr int unusableInput = 1;
 constexpr int readingFailed = 3;
 constexpr int noHighlight = 4;
 
-// "X,Y" with finite numbers.
-std::optional<ScreenPoint> parsePoint(const std::string& text);
-// A coordinate in points with at most two decimals ("80", "101.5").
-std::string number(double value);
 // One block as a JSON object; with a part name ("band", "rest") that comes first.
-std::string blockJson(const ReadingBlock& block, const char* part = nullptr);
+nlohmann::ordered_json blockJson(const ReadingBlock& block, const char* part = nullptr);
 void printResult(const OCRReadingResult& result, bool json);
 // The error's message (JSON on standard output, else on standard error); returns readingFailed.
 int printError(const ReadingError& error, bool json);

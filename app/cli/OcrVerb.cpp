@@ -1,11 +1,11 @@
 #include "cli/OcrOutput.hpp"
 #include "cli/ScreenOcr.hpp"
+#include "cli/VerbIO.hpp"
 #include "cli/Verbs.hpp"
 #include "lectorbell/ReadingOrderEngine.hpp"
 #include "lectorbell/Utf8.hpp"
 #include "lectorbell/VisualSelection.hpp"
-#include "platform/linux/ImageFile.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
+#include "platform/Platform.hpp"
 
 #include <array>
 #include <cmath>
@@ -31,14 +31,14 @@ struct OcrOptions {
     bool screen = false;
 };
 
-int runOcr(const OcrOptions& options) {
+int runOcr(platform::Platform& platform, const OcrOptions& options) {
     if (options.screen != options.image.empty()) {
         std::cerr << "lectorbell: give either an IMAGE or --screen\n";
         return unusableInput;
     }
     std::optional<ScreenPoint> pointer;
     if (!options.at.empty()) {
-        pointer = parsePoint(options.at);
+        pointer = cli::parsePoint(options.at);
         if (!pointer) {
             std::cerr << "lectorbell: --at takes two numbers as X,Y\n";
             return unusableInput;
@@ -49,18 +49,18 @@ int runOcr(const OcrOptions& options) {
             std::cerr << "lectorbell: --screen needs --at X,Y\n";
             return unusableInput;
         }
-        return runScreenOcr(*pointer, options.selection, options.json);
+        return runScreenOcr(platform, *pointer, options.selection, options.json);
     }
-    auto image = platform::readImageFile(options.image, options.scale);
+    auto image = platform.readImageFile(options.image, options.scale);
     if (const auto* reason = std::get_if<std::string>(&image)) {
         std::cerr << "lectorbell: " << *reason << '\n';
         return unusableInput;
     }
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
-    platform::TesseractRecognizer recognizer;
+    std::unique_ptr<platform::TextRecognizer> recognizer = platform.textRecognizer();
     platform::Recognition recognition =
-        recognizer.recognize(pixels, options.fast ? platform::RecognitionMode::fast
-                                                  : platform::RecognitionMode::accurate);
+        recognizer->recognize(pixels, options.fast ? platform::RecognitionMode::fast
+                                                   : platform::RecognitionMode::accurate);
     if (recognition.failure) {
         std::cerr << "lectorbell: recognition failed: " << *recognition.failure << '\n';
         return unusableInput;
@@ -92,7 +92,7 @@ int runOcr(const OcrOptions& options) {
 
 } // namespace
 
-void addOcrVerb(CLI::App& app, VerbOutcome& outcome) {
+void addOcrVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto options = std::make_shared<OcrOptions>();
     CLI::App* verb = app.add_subcommand(
         "ocr", "Recognise a PNG as a screen capture whose top-left is (0,0) and print its text in "
@@ -107,7 +107,8 @@ void addOcrVerb(CLI::App& app, VerbOutcome& outcome) {
     verb->add_flag("--selection", options->selection,
                    "Print the highlighted text (exit status 4 when there is none)");
     verb->add_flag("--json", options->json, "Print one JSON object");
-    verb->callback([options, &outcome] { outcome.exitStatus = runOcr(*options); });
+    verb->callback(
+        [options, &outcome, &platform] { outcome.exitStatus = runOcr(platform, *options); });
 }
 
 } // namespace lectorbell::cli

@@ -14,12 +14,13 @@ namespace lectorbell::cli {
 
 namespace {
 
-int runPace(const std::string& voice) {
-    std::unique_ptr<platform::EspeakSynthesizer> systemVoice = openSystemVoice(std::cerr);
+int runPace(platform::Platform& platform, const std::string& voice) {
+    std::unique_ptr<platform::PlatformSynthesizer> systemVoice =
+        openSystemVoice(platform, std::cerr);
     if (!systemVoice) {
         return exitVoiceUnavailable;
     }
-    platform::EspeakSynthesizer& synth = *systemVoice;
+    platform::PlatformSynthesizer& synth = *systemVoice;
     speech::PaceCalibrator calibrator{synth};
     const std::string voiceId = voice.empty() ? synth.defaultVoiceId() : voice;
     const speech::PaceCalibrator::Measurement& wpm = calibrator.measure(voiceId);
@@ -34,13 +35,14 @@ int runPace(const std::string& voice) {
 
 } // namespace
 
-void addPaceVerb(CLI::App& app, VerbOutcome& outcome) {
+void addPaceVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto voice = std::make_shared<std::string>();
     CLI::App* verb =
         app.add_subcommand("pace", "Measure the words per minute of each pace preset with a voice");
     verb->add_option("--voice", *voice,
                      "Voice id (see `lectorbell voices`); default voice if none");
-    verb->callback([voice, &outcome] { outcome.exitStatus = runPace(*voice); });
+    verb->callback(
+        [voice, &outcome, &platform] { outcome.exitStatus = runPace(platform, *voice); });
 }
 
 } // namespace lectorbell::cli

@@ -1,10 +1,9 @@
 #include "cli/ProbeOutput.hpp"
+#include "cli/VerbIO.hpp"
 #include "cli/Verbs.hpp"
-#include "platform/linux/AtspiDesktop.hpp"
-#include "platform/linux/ProcessInfo.hpp"
+#include "platform/Platform.hpp"
 #include "sources/SerialQueue.hpp"
 
-#include <charconv>
 #include <iostream>
 
 namespace lectorbell::cli {
@@ -18,54 +17,19 @@ struct ProbeOptions {
     bool json = false;
 };
 
-std::optional<ScreenPoint> parsePoint(const std::string& text) {
-    std::size_t comma = text.find(',');
-    if (comma == std::string::npos) {
-        return std::nullopt;
-    }
-    double x = 0;
-    double y = 0;
-    auto [xEnd, xError] = std::from_chars(text.data(), text.data() + comma, x);
-    auto [yEnd, yError] = std::from_chars(text.data() + comma + 1, text.data() + text.size(), y);
-    if (xError != std::errc{} || yError != std::errc{} || xEnd != text.data() + comma ||
-        yEnd != text.data() + text.size()) {
-        return std::nullopt;
-    }
-    return ScreenPoint{x, y};
-}
-
-// Why an application showed no text, when the way it was started is the reason: Qt apps
-// expose their trees only when accessibility was on as they started, and Chromium-family apps
-// their pages only with their own option.
-std::optional<std::string> startNotice(atspi::AtspiDesktop& desktop, ProcessID pid) {
-    atspi::StartupToolkit toolkit = atspi::startupToolkit(pid);
-    std::optional<std::string> command = atspi::processName(pid);
-    std::string name = command ? *command + " (process " + std::to_string(pid) + ")"
-                               : "process " + std::to_string(pid);
-    if (toolkit == atspi::StartupToolkit::chromium &&
-        !atspi::startedWith(pid, atspi::chromiumAccessibilityOption)) {
-        return name + " shows no page text to accessibility: start it with " +
-               atspi::chromiumAccessibilityOption;
-    }
-    if ((toolkit == atspi::StartupToolkit::qt || toolkit == atspi::StartupToolkit::firefox) &&
-        !desktop.application(pid)) {
-        return name + " is not on the accessibility bus: restart it now that accessibility is on";
-    }
-    return std::nullopt;
-}
-
 // Runs on the extractor's worker thread: the accessibility client lives there.
-ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
+ProbeReport probe(platform::Platform& platform, ScreenPoint point, const ProbeOptions& options) {
     ProbeReport report;
     auto started = std::chrono::steady_clock::now();
     WalkContext context{[] { return std::chrono::steady_clock::now(); },
                         [&report](std::string_view line) { report.trace.emplace_back(line); },
                         false};
-    atspi::AtspiDesktop desktop;
+    std::unique_ptr<AccessibilityDesktop> accessibility = platform.accessibilityDesktop();
+    AccessibilityDesktop& desktop = *accessibility;
     AccessibilityExtractor extractor{desktop, ExtractorConfig{}, context};
     if (!desktop.isTrusted()) {
         report.cursor.error = ReadingError{ReadingError::Kind::accessibilityPermissionNeeded};
-        if (atspi::AtspiDesktop::toolkitAccessibilityEnabled() == false) {
+        if (platform.toolkitAccessibilityEnabled() == false) {
             report.notice = "accessibility is off for apps: `lectorbell accessibility --enable` "
                             "turns it on";
         }
@@ -79,9 +43,9 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
         report.decision = SelectionPolicy::decide(report.selection->observation);
     } else if (std::optional<ProcessID> pid = desktop.processAt(point)) {
         report.pid = pid;
-        report.cursor = extractor.extractAtCursor(*pid, point, std::nullopt, options.quick);
+        report.cursor = extractor.extractAtCursor(*pid, point, options.quick);
         if (!report.cursor.result && !report.cursor.error) {
-            report.notice = startNotice(desktop, *pid);
+            report.notice = platform.startNotice(desktop, *pid);
         }
     } else {
         report.cursor.error = ReadingError{ReadingError::Kind::noExternalWindow};
@@ -92,14 +56,14 @@ ProbeReport probe(ScreenPoint point, const ProbeOptions& options) {
     return report;
 }
 
-int runProbe(const ProbeOptions& options) {
+int runProbe(platform::Platform& platform, const ProbeOptions& options) {
     std::optional<ScreenPoint> point = parsePoint(options.at);
     if (!point) {
         std::cerr << "lectorbell probe: --at takes X,Y in screen points, e.g. --at 120,340\n";
         return 2;
     }
     SerialQueue queue;
-    ProbeReport report = queue.submit([&] { return probe(*point, options); }).get();
+    ProbeReport report = queue.submit([&] { return probe(platform, *point, options); }).get();
     if (options.json) {
         printProbeJson(report, std::cout);
     } else {
@@ -115,7 +79,7 @@ int runProbe(const ProbeOptions& options) {
 
 } // namespace
 
-void addProbeVerb(CLI::App& app, VerbOutcome& outcome) {
+void addProbeVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto options = std::make_shared<ProbeOptions>();
     CLI::App* verb = app.add_subcommand(
         "probe", "Print the accessibility text at a screen point, as a reading would start it");
@@ -125,7 +89,8 @@ void addProbeVerb(CLI::App& app, VerbOutcome& outcome) {
     verb->add_flag("--selection", options->selection,
                    "Print the selection seen in the frontmost application and the decision");
     verb->add_flag("--json", options->json, "Print one JSON object");
-    verb->callback([options, &outcome] { outcome.exitStatus = runProbe(*options); });
+    verb->callback(
+        [options, &outcome, &platform] { outcome.exitStatus = runProbe(platform, *options); });
 }
 
 } // namespace lectorbell::cli

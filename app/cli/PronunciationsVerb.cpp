@@ -35,8 +35,8 @@ struct PronunciationArgs {
     std::string path;
 };
 
-int listRules(const PronunciationArgs& args) {
-    Stores stores = makeStores();
+int listRules(platform::Platform& platform, const PronunciationArgs& args) {
+    Stores stores = makeStores(platform);
     ReadingSettings settings{*stores.settings};
     const std::vector<PronunciationRule>& rules =
         args.shared ? settings.sharedPronunciations() : settings.pronunciations();
@@ -66,7 +66,7 @@ void share(ReadingSettings& settings, platform::SettingsStore& store,
     waitFor<bool>([&](std::function<void(bool)> done) { feedback.suggest(rule, done); });
 }
 
-int addRule(const PronunciationArgs& args) {
+int addRule(platform::Platform& platform, const PronunciationArgs& args) {
     if (args.word.empty() || args.sayAs.empty()) {
         return refuse("pronunciations add: give the word and what to say, e.g. SQL sequel");
     }
@@ -74,7 +74,7 @@ int addRule(const PronunciationArgs& args) {
     if (std::optional<std::string> why = List::whyRefused(rule)) {
         return refuse("pronunciations add: " + *why);
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     ReadingSettings settings{*stores.settings};
     std::vector<PronunciationRule> rules = settings.pronunciations();
     const std::size_t before = rules.size();
@@ -90,11 +90,11 @@ int addRule(const PronunciationArgs& args) {
     return 0;
 }
 
-int removeRule(const PronunciationArgs& args) {
+int removeRule(platform::Platform& platform, const PronunciationArgs& args) {
     if (args.word.empty()) {
         return refuse("pronunciations remove: give the word");
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     ReadingSettings settings{*stores.settings};
     std::vector<PronunciationRule> rules = settings.pronunciations();
     if (List::remove(rules, fromUtf8(args.word)) == 0) {
@@ -106,7 +106,7 @@ int removeRule(const PronunciationArgs& args) {
     return 0;
 }
 
-int importRules(const PronunciationArgs& args) {
+int importRules(platform::Platform& platform, const PronunciationArgs& args) {
     if (args.path.empty()) {
         return refuse("pronunciations import: give the file to import");
     }
@@ -119,7 +119,7 @@ int importRules(const PronunciationArgs& args) {
                       " is too large to be a list of fixes");
     }
     QByteArray bytes = file.readAll();
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     ReadingSettings settings{*stores.settings};
     std::vector<PronunciationRule> rules = settings.pronunciations();
     std::string whyNot;
@@ -145,11 +145,12 @@ int importRules(const PronunciationArgs& args) {
     return 0;
 }
 
-int exportRules(const PronunciationArgs& args) {
-    Stores stores = makeStores();
+int exportRules(platform::Platform& platform, const PronunciationArgs& args) {
+    Stores stores = makeStores(platform);
     ReadingSettings settings{*stores.settings};
     std::string json =
-        nlohmann::ordered_json::parse(encodePronunciationRules(settings.pronunciations())).dump(2) + "\n";
+        nlohmann::ordered_json::parse(encodePronunciationRules(settings.pronunciations())).dump(2) +
+        "\n";
     if (args.path.empty() || args.path == "-") {
         std::cout << json;
         return 0;
@@ -165,9 +166,9 @@ int exportRules(const PronunciationArgs& args) {
     return 0;
 }
 
-int refreshShared(bool force) {
+int refreshShared(platform::Platform& platform, bool force) {
     qtApplication();
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     ReadingSettings settings{*stores.settings};
     Feedback feedback{*stores.settings, coordinator::feedbackServer(), LECTORBELL_VERSION};
     using Outcome = Feedback::RefreshResult::Outcome;
@@ -196,7 +197,7 @@ int refreshShared(bool force) {
 
 } // namespace
 
-void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome) {
+void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto args = std::make_shared<PronunciationArgs>();
     CLI::App* verb = app.add_subcommand("pronunciations", "Your pronunciation fixes");
     verb->require_subcommand(1);
@@ -204,30 +205,36 @@ void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome) {
     CLI::App* list = verb->add_subcommand("list", "List your fixes");
     list->add_flag("--json", args->json, "Print them as the JSON list that export writes");
     list->add_flag("--shared", args->shared, "List the fixes shared by other listeners instead");
-    list->callback([args, &outcome] { outcome.exitStatus = listRules(*args); });
+    list->callback(
+        [args, &outcome, &platform] { outcome.exitStatus = listRules(platform, *args); });
 
     CLI::App* add = verb->add_subcommand("add", "Say WORD as SAYAS (replaces a fix for WORD)");
     add->add_option("word", args->word, "The word as written");
     add->add_option("sayAs", args->sayAs, "What the voice says instead");
-    add->callback([args, &outcome] { outcome.exitStatus = addRule(*args); });
+    add->callback([args, &outcome, &platform] { outcome.exitStatus = addRule(platform, *args); });
 
     CLI::App* remove = verb->add_subcommand("remove", "Remove the fix for WORD");
     remove->add_option("word", args->word, "The word as written");
-    remove->callback([args, &outcome] { outcome.exitStatus = removeRule(*args); });
+    remove->callback(
+        [args, &outcome, &platform] { outcome.exitStatus = removeRule(platform, *args); });
 
     CLI::App* import = verb->add_subcommand("import", "Add the fixes of a JSON list");
     import->add_option("file", args->path, R"(A JSON array of {"word", "sayAs"})");
-    import->callback([args, &outcome] { outcome.exitStatus = importRules(*args);
+    import->callback([args, &outcome, &platform] { outcome.exitStatus = importRules(platform, *args);
 });
 
 CLI::App* exported = verb->add_subcommand("export", "Write your fixes as a JSON list");
 exported->add_option("file", args->path, "Where to write them (standard output by default)");
-exported->callback([args, &outcome] { outcome.exitStatus = exportRules(*args); });
+exported->callback([args, &outcome, &platform] {
+    outcome.exitStatus = exportRules(platform, *args);
+});
 
 CLI::App* refresh = verb->add_subcommand(
     "refresh-shared", "Fetch the fixes shared by other listeners (at most once a day)");
 refresh->add_flag("--force", args->force, "Fetch even when fetched less than a day ago");
-refresh->callback([args, &outcome] { outcome.exitStatus = refreshShared(args->force); });
+refresh->callback([args, &outcome, &platform] {
+    outcome.exitStatus = refreshShared(platform, args->force);
+});
 } // namespace lectorbell::cli
 
 } // namespace lectorbell::cli

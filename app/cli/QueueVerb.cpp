@@ -47,8 +47,8 @@ std::string preview(const std::u16string& text) {
     return shown.toStdString();
 }
 
-int listQueue(bool json) {
-    Stores stores = makeStores();
+int listQueue(platform::Platform& platform, bool json) {
+    Stores stores = makeStores(platform);
     coordinator::QueueStore queue{stores.dataFolder};
     const std::vector<coordinator::QueueItem>& items = queue.items();
     if (json) {
@@ -78,7 +78,7 @@ int listQueue(bool json) {
     return 0;
 }
 
-int addToQueue(const std::string& input) {
+int addToQueue(platform::Platform& platform, const std::string& input) {
     std::optional<std::u16string> text = readTextInput(input, std::cerr);
     if (!text) {
         return exitBadInput;
@@ -86,7 +86,7 @@ int addToQueue(const std::string& input) {
     if (QString::fromStdU16String(*text).trimmed().isEmpty()) {
         return refuse("queue add: there is no text to save");
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     coordinator::QueueStore queue{stores.dataFolder};
     coordinator::QueueItem item;
     item.date = std::chrono::system_clock::now();
@@ -97,14 +97,14 @@ int addToQueue(const std::string& input) {
     return 0;
 }
 
-int removeFromQueue(const std::string& position) {
+int removeFromQueue(platform::Platform& platform, const std::string& position) {
     std::size_t n = 0;
     auto [end, error] = std::from_chars(position.data(), position.data() + position.size(), n);
     if (position.empty() || error != std::errc{} || end != position.data() + position.size() ||
         n == 0) {
         return refuse("queue remove: give the item's number as `lectorbell queue` lists it");
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     coordinator::QueueStore queue{stores.dataFolder};
     if (n > queue.items().size()) {
         return refuse("queue remove: there is no item " + position + " (the queue holds " +
@@ -115,8 +115,8 @@ int removeFromQueue(const std::string& position) {
     return 0;
 }
 
-int clearListened() {
-    Stores stores = makeStores();
+int clearListened(platform::Platform& platform) {
+    Stores stores = makeStores(platform);
     coordinator::QueueStore queue{stores.dataFolder};
     std::size_t before = queue.items().size();
     queue.clearListened();
@@ -126,7 +126,7 @@ int clearListened() {
 
 } // namespace
 
-void addQueueVerb(CLI::App& app, VerbOutcome& outcome) {
+void addQueueVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto args = std::make_shared<QueueArgs>();
     CLI::App* verb = app.add_subcommand("queue", "List the saved highlights, or change the queue");
     verb->require_subcommand(0, 1);
@@ -135,19 +135,22 @@ void addQueueVerb(CLI::App& app, VerbOutcome& outcome) {
     CLI::App* add = verb->add_subcommand("add", "Save text to the queue as the save shortcut does");
     add->add_option("input", args->input,
                     "A UTF-8 text file, or - (the default) for standard input");
-    add->callback([args, &outcome] { outcome.exitStatus = addToQueue(args->input); });
+    add->callback(
+        [args, &outcome, &platform] { outcome.exitStatus = addToQueue(platform, args->input); });
 
     CLI::App* remove = verb->add_subcommand("remove", "Remove the item with this number");
     remove->add_option("n", args->position, "The item's number as `lectorbell queue` lists it");
-    remove->callback([args, &outcome] { outcome.exitStatus = removeFromQueue(args->position); });
+    remove->callback([args, &outcome, &platform] {
+        outcome.exitStatus = removeFromQueue(platform, args->position);
+    });
 
     CLI::App* clear =
         verb->add_subcommand("clear-listened", "Remove the items already listened to");
-    clear->callback([&outcome] { outcome.exitStatus = clearListened(); });
+    clear->callback([&outcome, &platform] { outcome.exitStatus = clearListened(platform); });
 
-    verb->callback([verb, args, &outcome] {
+    verb->callback([verb, args, &outcome, &platform] {
         if (verb->get_subcommands().empty()) {
-            outcome.exitStatus = listQueue(args->json);
+            outcome.exitStatus = listQueue(platform, args->json);
         }
     });
 }

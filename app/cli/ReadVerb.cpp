@@ -7,8 +7,8 @@
 #include "cli/Verbs.hpp"
 #include "lectorbell/PacePreset.hpp"
 #include "lectorbell/ReadingSession.hpp"
+#include "platform/Platform.hpp"
 #include "platform/WavFileAudioOutput.hpp"
-#include "platform/linux/QtAudioOutput.hpp"
 #include "speech/SystemSpeechEngine.hpp"
 
 #include <QCoreApplication>
@@ -75,7 +75,7 @@ ReadingPayload payloadOf(std::u16string text) {
     return payload;
 }
 
-int runRead(const ReadOptions& options) {
+int runRead(platform::Platform& platform, const ReadOptions& options) {
     if (!applyShapingOptions(options.shaping, std::cerr)) {
         return 2;
     }
@@ -104,17 +104,17 @@ int runRead(const ReadOptions& options) {
     static char* argv[] = {name, nullptr};
     QCoreApplication application{argc, argv};
 
-    std::unique_ptr<platform::EspeakSynthesizer> systemVoice = openSystemVoice(std::cerr);
+    std::unique_ptr<platform::PlatformSynthesizer> systemVoice =
+        openSystemVoice(platform, std::cerr);
     if (!systemVoice) {
         return exitVoiceUnavailable;
     }
-    platform::EspeakSynthesizer& synth = *systemVoice;
+    platform::PlatformSynthesizer& synth = *systemVoice;
     std::unique_ptr<platform::AudioOutput> output;
-    platform::QtAudioOutput* device = nullptr;
+    platform::AudioOutput* device = nullptr;
     if (options.wav.empty()) {
-        auto qtOutput = std::make_unique<platform::QtAudioOutput>();
-        device = qtOutput.get();
-        output = std::move(qtOutput);
+        output = platform.audioOutput();
+        device = output.get();
     } else {
         output = std::make_unique<platform::WavFileAudioOutput>(
             options.wav, [&application](std::function<void()> work) {
@@ -194,21 +194,20 @@ int runRead(const ReadOptions& options) {
 
 } // namespace
 
-void addReadVerb(CLI::App& app, VerbOutcome& outcome) {
+void addReadVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto options = std::make_shared<ReadOptions>();
     CLI::App* verb = app.add_subcommand(
         "read", "Read a text aloud with the system voice; prints the reading's state changes");
     verb->add_option("--voice", options->voice, "Voice id (see `lectorbell voices`)");
-    verb->add_option("--pace", options->pace, "Reading pace")
-        ->check(CLI::IsMember({"slow", "normal", "fast", "faster", "veryFast", "maximum"}));
+    verb->add_option("--pace", options->pace, "Reading pace")->check(CLI::IsMember(paceNames()));
     verb->add_option("--wav", options->wav,
                      "Write the speech to this WAV file instead of playing it");
     verb->add_flag("--verbose", options->verbose, "Also print each chunk as it starts to sound");
     addShapingOptions(*verb, options->shaping);
     verb->add_option("FILE", options->input, "UTF-8 text, or - for standard input");
-    verb->callback([options, &outcome] {
+    verb->callback([options, &outcome, &platform] {
         outcome.leaveWithoutTeardown = options->wav.empty();
-        outcome.exitStatus = runRead(*options);
+        outcome.exitStatus = runRead(platform, *options);
     });
 }
 

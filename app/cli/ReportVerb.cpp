@@ -29,14 +29,14 @@ std::string problemList() {
     return list;
 }
 
-int sendReport(const ReportArgs& args) {
+int sendReport(platform::Platform& platform, const ReportArgs& args) {
     std::optional<coordinator::FeedbackProblem> problem =
         coordinator::feedbackProblemFromRawValue(args.problem);
     if (!problem) {
         return refuse("report: --problem takes one of " + problemList());
     }
     qtApplication();
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     Feedback feedback{*stores.settings, coordinator::feedbackServer(), LECTORBELL_VERSION};
     // Readings from the command line are not tracked: the report says so.
     coordinator::LastReading reading;
@@ -57,7 +57,7 @@ int sendReport(const ReportArgs& args) {
 
 } // namespace
 
-void addReportVerb(CLI::App& app, VerbOutcome& outcome) {
+void addReportVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto args = std::make_shared<ReportArgs>();
     CLI::App* verb = app.add_subcommand(
         "report", "Send an anonymous report about a problem with the last reading");
@@ -65,7 +65,8 @@ void addReportVerb(CLI::App& app, VerbOutcome& outcome) {
     verb->add_option("--note", args->note, "Anything else (optional)");
     verb->add_flag("--include-sentence", args->includeSentence,
                    "Include the first sentence it read");
-    verb->callback([args, &outcome] { outcome.exitStatus = sendReport(*args); });
+    verb->callback(
+        [args, &outcome, &platform] { outcome.exitStatus = sendReport(platform, *args); });
 }
 
 } // namespace lectorbell::cli

@@ -5,13 +5,11 @@
 #include "lectorbell/Diagnostics.hpp"
 #include "lectorbell/Utf8.hpp"
 #include "lectorbell/VisualSelection.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
-#include "platform/linux/X11WindowLocator.hpp"
+#include "platform/Platform.hpp"
 #include "sources/ScreenReader.hpp"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 namespace lectorbell::cli {
 
@@ -27,20 +25,22 @@ void print(const sources::BandReading& first, const std::vector<ReadingBlock>& r
            std::int64_t restMS, bool json) {
     const Part parts[] = {{"band", &first.result.blocks}, {"rest", &rest}};
     if (json) {
-        std::cout << "{\"precision\": " << jsonString(description(first.result.precision))
-                  << ", \"confidence\": " << jsonString(rawValue(first.result.confidence))
-                  << ", \"wholeWindow\": " << (first.wholeWindow ? "true" : "false")
-                  << ", \"blocks\": [";
-        const char* separator = "";
+        nlohmann::ordered_json blocks = nlohmann::ordered_json::array();
         for (const Part& part : parts) {
             for (const ReadingBlock& block : *part.blocks) {
-                std::cout << separator << ocr::blockJson(block, part.name);
-                separator = ", ";
+                blocks.push_back(ocr::blockJson(block, part.name));
             }
         }
-        std::cout << "], \"timings\": {\"capture\": " << first.captureMS
-                  << ", \"band\": " << first.bandMS << ", \"layout\": " << first.layoutMS
-                  << ", \"rest\": " << restMS << "}}\n";
+        std::cout << jsonLine({{"precision", description(first.result.precision)},
+                               {"confidence", rawValue(first.result.confidence)},
+                               {"wholeWindow", first.wholeWindow},
+                               {"blocks", blocks},
+                               {"timings",
+                                {{"capture", first.captureMS},
+                                 {"band", first.bandMS},
+                                 {"layout", first.layoutMS},
+                                 {"rest", restMS}}}})
+                  << '\n';
         return;
     }
     std::cout << "precision: " << description(first.result.precision) << '\n'
@@ -58,19 +58,18 @@ void print(const sources::BandReading& first, const std::vector<ReadingBlock>& r
 
 } // namespace
 
-int runScreenOcr(ScreenPoint at, bool selection, bool json) {
-    std::shared_ptr<platform::x11::Connection> connection = platform::x11::Connection::open();
-    if (!connection) {
+int runScreenOcr(platform::Platform& platform, ScreenPoint at, bool selection, bool json) {
+    std::unique_ptr<platform::WindowLocator> locator = platform.windowLocator();
+    std::shared_ptr<platform::ScreenCapturer> capturer = platform.screenCapturer();
+    if (!locator || !capturer) {
         return ocr::printError(ReadingError{ReadingError::Kind::screenCapturePermissionNeeded},
                                json);
     }
-    platform::X11WindowLocator locator{connection};
-    std::optional<platform::TargetWindow> window = locator.window(at);
+    std::optional<platform::TargetWindow> window = locator->window(at);
     if (!window) {
         return ocr::printError(ReadingError{ReadingError::Kind::noExternalWindow}, json);
     }
-    sources::ScreenOCR reader{std::make_shared<platform::X11ScreenCapturer>(connection),
-                              [] { return std::make_unique<platform::TesseractRecognizer>(); }};
+    sources::ScreenOCR reader{capturer, [&platform] { return platform.textRecognizer(); }};
     if (selection) {
         sources::ScreenOutcome outcome = reader.recognizeWithPixels(*window, std::nullopt).get();
         if (const auto* error = std::get_if<ReadingError>(&outcome)) {

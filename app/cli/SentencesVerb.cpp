@@ -1,9 +1,11 @@
 #include "cli/VerbIO.hpp"
 #include "cli/Verbs.hpp"
 #include "lectorbell/TextSegmenter.hpp"
+#include "lectorbell/Utf8.hpp"
 
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace lectorbell::cli {
 
@@ -15,9 +17,10 @@ int runSentences(const std::string& input) {
         return 1;
     }
     for (const TextSegmenter::Sentence& sentence : TextSegmenter::sentencesWithRanges(*text)) {
-        std::cout << "{\"start\": " << sentence.range.location
-                  << ", \"length\": " << sentence.range.length
-                  << ", \"text\": " << jsonString(sentence.text) << "}\n";
+        std::cout << jsonLine({{"start", sentence.range.location},
+                               {"length", sentence.range.length},
+                               {"text", toUtf8(sentence.text)}})
+                  << '\n';
     }
     return 0;
 }

@@ -35,8 +35,8 @@ const SettingDescription* knownKey(const std::string& key, const char* action) {
     return setting;
 }
 
-int listSettings() {
-    Stores stores = makeStores();
+int listSettings(platform::Platform& platform) {
+    Stores stores = makeStores(platform);
     Json all = Json::object();
     for (const SettingDescription& setting : coordinator::settingDescriptions()) {
         Json value = SettingJson::effective(setting, *stores.settings);
@@ -47,12 +47,12 @@ int listSettings() {
     return 0;
 }
 
-int getSetting(const SettingsArgs& args) {
+int getSetting(platform::Platform& platform, const SettingsArgs& args) {
     const SettingDescription* setting = knownKey(args.key, "get");
     if (!setting) {
         return exitBadInput;
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     Json value = SettingJson::effective(*setting, *stores.settings);
     if (!value.is_null()) {
         std::cout << SettingJson::shown(value) << '\n';
@@ -60,7 +60,7 @@ int getSetting(const SettingsArgs& args) {
     return 0;
 }
 
-int setSetting(const SettingsArgs& args, bool valueGiven) {
+int setSetting(platform::Platform& platform, const SettingsArgs& args, bool valueGiven) {
     const SettingDescription* setting = knownKey(args.key, "set");
     if (!setting) {
         return exitBadInput;
@@ -72,24 +72,24 @@ int setSetting(const SettingsArgs& args, bool valueGiven) {
     if (!parsed.value) {
         return refuse(parsed.problem);
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     stores.settings->setValue(args.key, *parsed.value);
     return 0;
 }
 
-int resetSetting(const SettingsArgs& args) {
+int resetSetting(platform::Platform& platform, const SettingsArgs& args) {
     const SettingDescription* setting = knownKey(args.key, "reset");
     if (!setting) {
         return exitBadInput;
     }
-    Stores stores = makeStores();
+    Stores stores = makeStores(platform);
     stores.settings->remove(args.key);
     return 0;
 }
 
 } // namespace
 
-void addSettingsVerb(CLI::App& app, VerbOutcome& outcome) {
+void addSettingsVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     auto args = std::make_shared<SettingsArgs>();
     CLI::App* verb = app.add_subcommand(
         "settings", "Show every setting as JSON, or get, set or reset one setting");
@@ -97,22 +97,25 @@ void addSettingsVerb(CLI::App& app, VerbOutcome& outcome) {
 
     CLI::App* get = verb->add_subcommand("get", "Print one setting's value");
     get->add_option("key", args->key, "The setting's key");
-    get->callback([args, &outcome] { outcome.exitStatus = getSetting(*args); });
+    get->callback(
+        [args, &outcome, &platform] { outcome.exitStatus = getSetting(platform, *args); });
 
     CLI::App* set = verb->add_subcommand(
         "set", "Store one setting: a string, true/false, a number or JSON as stored");
     set->add_option("key", args->key, "The setting's key");
     CLI::Option* value = set->add_option("value", args->value, "The value in its stored form");
-    set->callback(
-        [args, value, &outcome] { outcome.exitStatus = setSetting(*args, value->count() > 0); });
+    set->callback([args, value, &outcome, &platform] {
+        outcome.exitStatus = setSetting(platform, *args, value->count() > 0);
+    });
 
     CLI::App* reset = verb->add_subcommand("reset", "Return one setting to its default");
     reset->add_option("key", args->key, "The setting's key");
-    reset->callback([args, &outcome] { outcome.exitStatus = resetSetting(*args); });
+    reset->callback(
+        [args, &outcome, &platform] { outcome.exitStatus = resetSetting(platform, *args); });
 
-    verb->callback([verb, &outcome] {
+    verb->callback([verb, &outcome, &platform] {
         if (verb->get_subcommands().empty()) {
-            outcome.exitStatus = listSettings();
+            outcome.exitStatus = listSettings(platform);
         }
     });
 }

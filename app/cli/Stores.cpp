@@ -1,30 +1,17 @@
 #include "cli/Stores.hpp"
 
 #include "coordinator/Migration.hpp"
-#include "platform/linux/keyring/KeyringSecretStore.hpp"
-#include "platform/linux/settings/IniSettingsStore.hpp"
-#include "platform/linux/settings/LinuxPlaces.hpp"
-
-#include <QFileInfo>
 
 namespace lectorbell::cli {
 
-Stores makeStores() {
+Stores makeStores(platform::Platform& platform) {
     Stores stores;
-    stores.settings =
-        std::make_unique<platform::IniSettingsStore>(platform::linuxPlaces::settingsFile());
-    stores.dataFolder = platform::linuxPlaces::dataFolder();
-    std::unique_ptr<platform::IniSettingsStore> former;
-    if (QFileInfo::exists(platform::linuxPlaces::formerSettingsFile())) {
-        former = std::make_unique<platform::IniSettingsStore>(
-            platform::linuxPlaces::formerSettingsFile());
-    }
+    stores.settings = platform.settingsStore(platform::WatchOtherProcesses::no);
+    stores.dataFolder = QString::fromStdString(platform.dataFolder());
+    std::unique_ptr<platform::SettingsStore> former = platform.formerSettingsStore();
     coordinator::Migration::run(*stores.settings, former.get(),
-                                platform::linuxPlaces::formerDataFolder(), stores.dataFolder);
-    stores.keyring = std::make_unique<platform::KeyringSecretStore>(
-        QString::fromLatin1(platform::keyringService));
-    stores.formerKeyring = std::make_unique<platform::KeyringSecretStore>(
-        QString::fromLatin1(platform::formerKeyringService));
+                                QString::fromStdString(platform.formerDataFolder()),
+                                stores.dataFolder);
     return stores;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Platform.hpp"
 #include "platform/SecretStore.hpp"
 #include "platform/SettingsStore.hpp"
 
@@ -13,13 +14,10 @@ struct Stores {
     std::unique_ptr<platform::SettingsStore> settings;
     // The folder that holds the queue.
     QString dataFolder;
-    // Our key store, and the earlier build's (read once to move a key).
-    std::unique_ptr<platform::SecretStore> keyring;
-    std::unique_ptr<platform::SecretStore> formerKeyring;
 };
 
 // Opens the stores, after carrying the earlier build's settings and data over once, as the
 // application does at start-up.
-Stores makeStores();
+Stores makeStores(platform::Platform& platform);
 
 } // namespace lectorbell::cli

@@ -1,18 +1,18 @@
 #include "cli/SystemVoice.hpp"
 
 #include "lectorbell/ReadingModel.hpp"
-#include "platform/linux/SystemLanguages.hpp"
+#include "platform/Platform.hpp"
 
 #include <ostream>
 
 namespace lectorbell::cli {
 
-std::unique_ptr<platform::EspeakSynthesizer> openSystemVoice(std::ostream& err) {
-    auto synth = std::make_unique<platform::EspeakSynthesizer>(platform::preferredLanguages());
-    if (!synth->isAvailable()) {
+std::unique_ptr<platform::PlatformSynthesizer> openSystemVoice(platform::Platform& platform,
+                                                               std::ostream& err) {
+    std::unique_ptr<platform::PlatformSynthesizer> synth = platform.systemSynthesizer();
+    if (!synth) {
         err << "lectorbell: " << ReadingError{ReadingError::Kind::speechUnavailable}.userMessage()
             << '\n';
-        return nullptr;
     }
     return synth;
 }

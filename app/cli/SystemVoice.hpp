@@ -1,9 +1,13 @@
 #pragma once
 
-#include "platform/linux/EspeakSynthesizer.hpp"
+#include "platform/PlatformSynthesizer.hpp"
 
 #include <iosfwd>
 #include <memory>
+
+namespace lectorbell::platform {
+class Platform;
+}
 
 namespace lectorbell::cli {
 
@@ -11,7 +15,8 @@ namespace lectorbell::cli {
 inline constexpr int exitVoiceUnavailable = 4;
 
 // The built-in voice, its default chosen by the user's languages; none (after an error line on
-// `err`) when espeak-ng or its voice data is missing.
-std::unique_ptr<platform::EspeakSynthesizer> openSystemVoice(std::ostream& err);
+// `err`) when the synthesizer or its voice data is missing.
+std::unique_ptr<platform::PlatformSynthesizer> openSystemVoice(platform::Platform& platform,
+                                                               std::ostream& err);
 
 } // namespace lectorbell::cli

@@ -2,23 +2,23 @@
 
 namespace lectorbell::cli {
 
-void addVerbs(CLI::App& app, VerbOutcome& outcome) {
+void addVerbs(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform) {
     addChunksVerb(app, outcome);
     addSentencesVerb(app, outcome);
     addShapeVerb(app, outcome);
     addGestureVerb(app, outcome);
-    addReadVerb(app, outcome);
-    addVoicesVerb(app, outcome);
-    addPaceVerb(app, outcome);
-    addProbeVerb(app, outcome);
-    addOcrVerb(app, outcome);
-    addAccessibilityVerb(app, outcome);
-    addSettingsVerb(app, outcome);
-    addQueueVerb(app, outcome);
-    addHistoryVerb(app, outcome);
-    addKeyVerb(app, outcome);
-    addPronunciationsVerb(app, outcome);
-    addReportVerb(app, outcome);
+    addReadVerb(app, outcome, platform);
+    addVoicesVerb(app, outcome, platform);
+    addPaceVerb(app, outcome, platform);
+    addProbeVerb(app, outcome, platform);
+    addOcrVerb(app, outcome, platform);
+    addAccessibilityVerb(app, outcome, platform);
+    addSettingsVerb(app, outcome, platform);
+    addQueueVerb(app, outcome, platform);
+    addHistoryVerb(app, outcome, platform);
+    addKeyVerb(app, outcome, platform);
+    addPronunciationsVerb(app, outcome, platform);
+    addReportVerb(app, outcome, platform);
 }
 
 } // namespace lectorbell::cli

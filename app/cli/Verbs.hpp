@@ -2,6 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
+namespace lectorbell::platform {
+class Platform;
+}
+
 namespace lectorbell::cli {
 
 // Set by the verb that ran: the process's exit status.
@@ -13,23 +17,24 @@ struct VerbOutcome {
 };
 
 // Registers every command-line verb as a subcommand of the application.
-void addVerbs(CLI::App& app, VerbOutcome& outcome);
+// Verbs that reach the system get its adapters from `platform`, which outlives the parse.
+void addVerbs(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
 
 void addChunksVerb(CLI::App& app, VerbOutcome& outcome);
 void addSentencesVerb(CLI::App& app, VerbOutcome& outcome);
 void addShapeVerb(CLI::App& app, VerbOutcome& outcome);
 void addGestureVerb(CLI::App& app, VerbOutcome& outcome);
-void addReadVerb(CLI::App& app, VerbOutcome& outcome);
-void addVoicesVerb(CLI::App& app, VerbOutcome& outcome);
-void addPaceVerb(CLI::App& app, VerbOutcome& outcome);
-void addProbeVerb(CLI::App& app, VerbOutcome& outcome);
-void addOcrVerb(CLI::App& app, VerbOutcome& outcome);
-void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome);
-void addSettingsVerb(CLI::App& app, VerbOutcome& outcome);
-void addQueueVerb(CLI::App& app, VerbOutcome& outcome);
-void addHistoryVerb(CLI::App& app, VerbOutcome& outcome);
-void addKeyVerb(CLI::App& app, VerbOutcome& outcome);
-void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome);
-void addReportVerb(CLI::App& app, VerbOutcome& outcome);
+void addReadVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addVoicesVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addPaceVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addProbeVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addOcrVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addSettingsVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addQueueVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addHistoryVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addKeyVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addReportVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
 
 } // namespace lectorbell::cli

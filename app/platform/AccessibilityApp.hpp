@@ -63,6 +63,8 @@ public:
     // The application of the focused (active) window.
     virtual std::optional<ProcessID> frontmostProcess() = 0;
     virtual std::unique_ptr<AccessibilityApp> application(ProcessID pid) = 0;
+    // Whether the application builds its tree only when asked (Chromium and Electron apps).
+    virtual bool buildsTreeOnRequest(ProcessID pid) = 0;
 };
 
 } // namespace lectorbell

@@ -53,6 +53,12 @@ public:
     virtual std::int64_t playedFrames() const = 0;
     // True while buffers are queued or sounding.
     virtual bool isBusy() const = 0;
+    // True once started output actually reaches the device. A sound server whose sink was idle
+    // can take a second or two to start a new stream; once flowing, a scheduled buffer sounds
+    // within the device buffer's length.
+    virtual bool isFlowing() const = 0;
+    // Set once the device has failed after starting.
+    virtual const std::optional<std::string>& failure() const = 0;
 };
 
 } // namespace lectorbell::platform

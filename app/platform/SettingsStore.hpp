@@ -11,6 +11,10 @@
 
 namespace lectorbell::platform {
 
+// Whether a store kept in a file notices other processes' changes to it (while the event loop
+// runs).
+enum class WatchOtherProcesses { yes, no };
+
 // One stored value. Structured values (shortcuts, rule lists, history) are JSON text.
 using SettingValue = std::variant<bool, std::int64_t, double, std::string>;
 

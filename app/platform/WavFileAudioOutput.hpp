@@ -31,6 +31,8 @@ public:
     void stop() override;
     std::int64_t playedFrames() const override { return playedFrames_; }
     bool isBusy() const override { return !queue_.empty(); }
+    bool isFlowing() const override { return true; }
+    const std::optional<std::string>& failure() const override { return failure_; }
 
     // Completes the file's header; later buffers are not written. Also done on destruction.
     void close();
@@ -56,6 +58,7 @@ private:
     bool playPosted_ = false;
     std::int64_t playedFrames_ = 0;
     std::uint64_t dataBytes_ = 0;
+    std::optional<std::string> failure_;
     // Posted work checks this, so that it does nothing once the output is gone.
     std::shared_ptr<WavFileAudioOutput*> self_;
 };

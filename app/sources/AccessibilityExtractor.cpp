@@ -19,12 +19,6 @@ constexpr std::size_t childProbeChildren = 50;
 constexpr auto hitRetryPause = std::chrono::milliseconds{60};
 constexpr auto manualAccessibilityPause = std::chrono::milliseconds{300};
 
-constexpr std::array<std::string_view, 7> chromiumFrameworks{
-    "Electron Framework.framework",      "Google Chrome Framework.framework",
-    "Chromium Framework.framework",      "Microsoft Edge Framework.framework",
-    "Brave Browser Framework.framework", "Arc Framework.framework",
-    "Vivaldi Framework.framework"};
-
 } // namespace
 
 AccessibilityExtractor::AccessibilityExtractor(AccessibilityDesktop& desktop,
@@ -33,21 +27,13 @@ AccessibilityExtractor::AccessibilityExtractor(AccessibilityDesktop& desktop,
     , config_(config)
     , context_(std::move(context)) {}
 
-void AccessibilityExtractor::enableManualAccessibilityIfNeeded(
-    AccessibilityApp& app, ProcessID pid, const std::optional<std::filesystem::path>& bundle) {
-    if (manualAXEnabled_.contains(pid) || !bundle) {
+void AccessibilityExtractor::enableManualAccessibilityIfNeeded(AccessibilityApp& app,
+                                                               ProcessID pid) {
+    if (manualAXEnabled_.contains(pid)) {
         return;
     }
-    bool found = false;
-    for (std::string_view framework : chromiumFrameworks) {
-        std::error_code error;
-        if (std::filesystem::exists(*bundle / "Contents/Frameworks" / framework, error)) {
-            found = true;
-            break;
-        }
-    }
     manualAXEnabled_.insert(pid);
-    if (found && app.requestManualAccessibility()) {
+    if (desktop_.buildsTreeOnRequest(pid) && app.requestManualAccessibility()) {
         std::this_thread::sleep_for(manualAccessibilityPause);
     }
 }
@@ -65,10 +51,8 @@ AXAnswer<ElementRef> AccessibilityExtractor::hitTest(AccessibilityApp& app, Scre
     return hit;
 }
 
-CursorOutcome
-AccessibilityExtractor::extractAtCursor(ProcessID pid, ScreenPoint point,
-                                        const std::optional<std::filesystem::path>& bundlePath,
-                                        bool quick) {
+CursorOutcome AccessibilityExtractor::extractAtCursor(ProcessID pid, ScreenPoint point,
+                                                      bool quick) {
     if (!desktop_.isTrusted()) {
         return {std::nullopt, ReadingError{ReadingError::Kind::accessibilityPermissionNeeded}};
     }
@@ -79,7 +63,7 @@ AccessibilityExtractor::extractAtCursor(ProcessID pid, ScreenPoint point,
     }
     quickWalk_ = quick;
     app->allowReadAhead(!quick);
-    enableManualAccessibilityIfNeeded(*app, pid, bundlePath);
+    enableManualAccessibilityIfNeeded(*app, pid);
     CursorOutcome outcome = extractIn(*app, point);
     quickWalk_ = false;
     if (!outcome.error && !outcome.result && app->hasTimedOut()) {

@@ -7,7 +7,6 @@
 #include "sources/ExtractorConfig.hpp"
 #include "sources/WalkContext.hpp"
 
-#include <filesystem>
 #include <optional>
 #include <set>
 
@@ -35,9 +34,7 @@ public:
     AccessibilityExtractor(AccessibilityDesktop& desktop, ExtractorConfig config,
                            WalkContext context);
 
-    CursorOutcome extractAtCursor(ProcessID pid, ScreenPoint point,
-                                  const std::optional<std::filesystem::path>& bundlePath,
-                                  bool quick);
+    CursorOutcome extractAtCursor(ProcessID pid, ScreenPoint point, bool quick);
 
     // What is highlighted in the frontmost application.
     SelectionLookup observeSelection(ProcessID frontPID, ScreenPoint point);
@@ -54,8 +51,7 @@ private:
     std::optional<AXCursorResult> readLeaves(const ElementRef& hit,
                                              const std::vector<ElementRef>& chain, ElementRef root,
                                              ScreenPoint point);
-    void enableManualAccessibilityIfNeeded(AccessibilityApp& app, ProcessID pid,
-                                           const std::optional<std::filesystem::path>& bundle);
+    void enableManualAccessibilityIfNeeded(AccessibilityApp& app, ProcessID pid);
 
     AccessibilityDesktop& desktop_;
     ExtractorConfig config_;

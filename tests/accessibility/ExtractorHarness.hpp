@@ -19,7 +19,7 @@ struct ExtractorHarness {
                                 false}) {}
 
     CursorOutcome at(ProcessID pid, ScreenPoint point, bool quick = false) {
-        return extractor.extractAtCursor(pid, point, std::nullopt, quick);
+        return extractor.extractAtCursor(pid, point, quick);
     }
 
     bool traced(std::string_view line) const {

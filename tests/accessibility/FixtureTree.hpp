@@ -34,6 +34,7 @@ public:
     std::optional<ProcessID> processAt(ScreenPoint) override { return pid_; }
     std::optional<ProcessID> frontmostProcess() override { return pid_; }
     std::unique_ptr<AccessibilityApp> application(ProcessID pid) override;
+    bool buildsTreeOnRequest(ProcessID) override { return buildsOnRequest; }
 
     std::chrono::steady_clock::time_point now() const { return clock_; }
     // Reads of a password field's text (its value, ranges, selection): must stay zero.
@@ -44,6 +45,8 @@ public:
     int manualRequests() const { return manualRequests_; }
 
     bool trusted = true;
+    // The application builds its tree only when asked, as Chromium-family apps do.
+    bool buildsOnRequest = false;
 
     struct Node;
 

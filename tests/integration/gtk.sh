@@ -5,7 +5,7 @@ set -uo pipefail
 source "$(dirname "$0")/lib.sh"
 require xdotool
 /usr/bin/python3 -c 'import gi; gi.require_version("Gtk", "3.0")' 2>/dev/null ||
-  { echo "skipped: python3-gi with GTK 3 is not installed"; exit 77; }
+  skip "python3-gi with GTK 3 is not installed"
 
 secret="gtk-$RANDOM-sesame"
 /usr/bin/python3 "$HERE/gtk_fixture.py" "$secret" &

@@ -7,8 +7,8 @@
 #include "lectorbell/TableReading.hpp"
 #include "lectorbell/Utf8.hpp"
 #include "lectorbell/VisualSelection.hpp"
-#include "platform/linux/ImageFile.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
+#include "platform/linux/tesseract/ImageFile.hpp"
+#include "platform/linux/tesseract/TesseractRecognizer.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -102,10 +102,10 @@ class OcrPages : public ::testing::TestWithParam<PageCase> {};
 TEST_P(OcrPages, ReadInOrder) {
     const auto& [page, scale] = GetParam();
     const std::string png = directory() + "/" + page + "@" + std::to_string(scale) + "x.png";
-    auto image = platform::readImageFile(png, scale);
+    auto image = platform::tesseract::readImageFile(png, scale);
     ASSERT_TRUE(std::holds_alternative<PixelBuffer>(image)) << std::get<std::string>(image);
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
-    platform::TesseractRecognizer recognizer;
+    platform::tesseract::TesseractRecognizer recognizer;
     platform::Recognition recognition =
         recognizer.recognize(pixels, platform::RecognitionMode::accurate);
     ASSERT_FALSE(recognition.failure) << *recognition.failure;

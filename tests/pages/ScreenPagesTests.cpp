@@ -6,13 +6,14 @@
 // clang-format on
 
 #include "PageTruth.hpp"
+#include "TestEnvironment.hpp"
 #include "XvfbServer.hpp"
 #include "lectorbell/ReadingOrderEngine.hpp"
 #include "lectorbell/Utf8.hpp"
-#include "platform/linux/ImageFile.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
+#include "platform/linux/tesseract/ImageFile.hpp"
+#include "platform/linux/tesseract/TesseractRecognizer.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ScreenCapturer.hpp"
 #include "sources/ScreenReader.hpp"
 
 #include <X11/Xutil.h>
@@ -56,19 +57,18 @@ class ScreenPages : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(ScreenPages, ReadFromTheScreenInOrder) {
     const std::string& page = GetParam();
-    auto image = platform::readImageFile(pages::directory() + "/" + page + "@1x.png", 1);
+    auto image = platform::tesseract::readImageFile(pages::directory() + "/" + page + "@1x.png", 1);
     ASSERT_TRUE(std::holds_alternative<PixelBuffer>(image)) << std::get<std::string>(image);
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
     auto server = lectorbell::testing::XvfbServer::start(1280, 800);
-    if (!server) {
-        GTEST_SKIP() << "Xvfb is not installed";
-    }
+    LECTORBELL_REQUIRE_XVFB(server);
     ::Display* display = server->client();
     ::Window window = showImage(display, pixels);
 
     auto connection = platform::x11::Connection::open();
-    sources::ScreenOCR ocr{std::make_shared<platform::X11ScreenCapturer>(connection),
-                           [] { return std::make_unique<platform::TesseractRecognizer>(); }};
+    sources::ScreenOCR ocr{std::make_shared<platform::x11::X11ScreenCapturer>(connection), [] {
+                               return std::make_unique<platform::tesseract::TesseractRecognizer>();
+                           }};
     const platform::TargetWindow target{
         static_cast<std::uint32_t>(window), 0,
         ScreenRect{0, 0, static_cast<double>(pixels.width), static_cast<double>(pixels.height)},

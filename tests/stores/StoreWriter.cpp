@@ -31,7 +31,7 @@ void churnQueue(const QString& folder) {
 }
 
 void churnSettings(const QString& path) {
-    platform::IniSettingsStore store{path};
+    platform::settings::IniSettingsStore store{path};
     for (int version = 0;; ++version) {
         std::string blob(200000, static_cast<char>('a' + version % 26));
         store.setValue("blob", blob + std::to_string(version));

@@ -5,15 +5,48 @@
 #include <poll.h>
 #include <signal.h>
 #include <string>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace lectorbell::testing {
 
+namespace {
+
+std::string& failure() {
+    static std::string reason;
+    return reason;
+}
+
+std::unique_ptr<XvfbServer> failed(std::string reason) {
+    failure() = std::move(reason);
+    return nullptr;
+}
+
+} // namespace
+
+bool XvfbServer::installed() {
+    const char* path = std::getenv("PATH");
+    std::string_view rest = path != nullptr ? path : "";
+    while (!rest.empty()) {
+        std::size_t colon = rest.find(':');
+        std::string folder{rest.substr(0, colon)};
+        if (!folder.empty() && access((folder + "/Xvfb").c_str(), X_OK) == 0) {
+            return true;
+        }
+        rest = colon == std::string_view::npos ? std::string_view{} : rest.substr(colon + 1);
+    }
+    return false;
+}
+
+const std::string& XvfbServer::lastFailure() {
+    return failure();
+}
+
 std::unique_ptr<XvfbServer> XvfbServer::start(int width, int height) {
     int fds[2];
     if (pipe(fds) != 0) {
-        return nullptr;
+        return failed("Xvfb did not start: no pipe for its display number");
     }
     const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
     const std::string fd = std::to_string(fds[1]);
@@ -27,7 +60,7 @@ std::unique_ptr<XvfbServer> XvfbServer::start(int width, int height) {
     close(fds[1]);
     if (pid < 0) {
         close(fds[0]);
-        return nullptr;
+        return failed("Xvfb did not start: fork failed");
     }
     // Xvfb writes its display number once it accepts connections.
     std::string number;
@@ -43,7 +76,7 @@ std::unique_ptr<XvfbServer> XvfbServer::start(int width, int height) {
     if (number.empty()) {
         kill(pid, SIGTERM);
         waitpid(pid, nullptr, 0);
-        return nullptr;
+        return failed("Xvfb did not start: it gave no display number within 10 s");
     }
     std::string display = ":" + number;
     setenv("DISPLAY", display.c_str(), 1);
@@ -51,7 +84,7 @@ std::unique_ptr<XvfbServer> XvfbServer::start(int width, int height) {
     if (client == nullptr) {
         kill(pid, SIGTERM);
         waitpid(pid, nullptr, 0);
-        return nullptr;
+        return failed("Xvfb started on " + display + " but refused a connection");
     }
     return std::unique_ptr<XvfbServer>(new XvfbServer(pid, display, client));
 }

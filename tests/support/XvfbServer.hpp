@@ -12,9 +12,13 @@ namespace lectorbell::testing {
 
 class XvfbServer {
 public:
-    // No value when Xvfb cannot be started; DISPLAY is set to the new server on success, and
-    // the test's own client connection is open.
+    // No value when Xvfb cannot be started (see lastFailure); DISPLAY is set to the new server
+    // on success, and the test's own client connection is open.
     static std::unique_ptr<XvfbServer> start(int width = 1280, int height = 800);
+    // Whether the Xvfb executable is on PATH.
+    static bool installed();
+    // Why the last start gave no server.
+    static const std::string& lastFailure();
     ~XvfbServer();
     XvfbServer(const XvfbServer&) = delete;
     XvfbServer& operator=(const XvfbServer&) = delete;

@@ -3,13 +3,14 @@
 #include <gtest/gtest.h>
 // clang-format on
 
+#include "TestEnvironment.hpp"
 #include "XvfbServer.hpp"
 #include "lectorbell/Utf8.hpp"
 #include "lectorbell/VisualSelection.hpp"
-#include "platform/linux/TesseractRecognizer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
-#include "platform/linux/X11WindowLocator.hpp"
+#include "platform/linux/tesseract/TesseractRecognizer.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ScreenCapturer.hpp"
+#include "platform/linux/x11/X11WindowLocator.hpp"
 #include "sources/ScreenReader.hpp"
 
 #include <X11/Xatom.h>
@@ -59,13 +60,11 @@ protected:
     }
     static void TearDownTestSuite() { delete server; }
     void SetUp() override {
-        if (display == nullptr) {
-            GTEST_SKIP() << "Xvfb is not installed";
-        }
+        LECTORBELL_REQUIRE_XVFB(server);
         connection = platform::x11::Connection::open();
         ocr = std::make_unique<ScreenOCR>(
-            std::make_shared<platform::X11ScreenCapturer>(connection),
-            [] { return std::make_unique<platform::TesseractRecognizer>(); }, 2);
+            std::make_shared<platform::x11::X11ScreenCapturer>(connection),
+            [] { return std::make_unique<platform::tesseract::TesseractRecognizer>(); }, 2);
     }
 
     static ::Window drawPage() {

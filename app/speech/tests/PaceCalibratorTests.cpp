@@ -1,5 +1,5 @@
 #include "lectorbell/ListeningStats.hpp"
-#include "platform/linux/EspeakSynthesizer.hpp"
+#include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "speech/PaceCalibrator.hpp"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@ namespace lectorbell::speech {
 namespace {
 
 TEST(PaceCalibrator, MeasuresRisingWordsPerMinuteAroundTheVoicesNormalSpeed) {
-    platform::EspeakSynthesizer synth{{"en-US"}};
+    platform::espeak::EspeakSynthesizer synth{{"en-US"}};
     PaceCalibrator calibrator{synth};
     EXPECT_EQ(ListeningStats::countWords(PaceCalibrator::passage), 47);
 

@@ -45,6 +45,8 @@ public:
     }
     std::int64_t playedFrames() const override { return playedFrames_; }
     bool isBusy() const override { return !queue_.empty(); }
+    bool isFlowing() const override { return true; }
+    const std::optional<std::string>& failure() const override { return failure_; }
 
     // Plays up to `frames` frames of queued sound (mono), firing callbacks as buffers start and
     // end; stops early while held.
@@ -90,6 +92,7 @@ public:
     std::vector<std::string> calls;
 
 private:
+    std::optional<std::string> failure_;
     struct Pending {
         platform::AudioBufferId id = 0;
         std::size_t size = 0;

@@ -1,5 +1,5 @@
 #include "RecordingAudioOutput.hpp"
-#include "platform/linux/EspeakSynthesizer.hpp"
+#include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "speech/SystemSpeechEngine.hpp"
 
 #include <cmath>
@@ -205,7 +205,7 @@ TEST_F(SystemSpeechEngineTest, ClampsRatesAndUsesTheDefaultVoiceWhenNoneIsGiven)
 }
 
 TEST(SystemSpeechEngineWithEspeak, FollowsTheWordsOfARealVoice) {
-    platform::EspeakSynthesizer synth{{"en-US"}};
+    platform::espeak::EspeakSynthesizer synth{{"en-US"}};
     RecordingAudioOutput output;
     output.start(synth.format());
     SystemSpeechEngine engine{synth, output};

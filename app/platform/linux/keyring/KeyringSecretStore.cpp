@@ -5,7 +5,7 @@
 #include <qt6keychain/keychain.h>
 #include <utility>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::keyring {
 
 namespace {
 
@@ -85,4 +85,4 @@ SecretStore::Outcome KeyringSecretStore::remove(const std::string& account) {
     return {true, {}};
 }
 
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::keyring

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::keyring {
 
 // Our application id, the service our secrets are stored under.
 inline constexpr const char* keyringService = "org.lectorbell.Lectorbell";
@@ -14,7 +14,7 @@ inline constexpr const char* formerKeyringService = "org.murmurbench.Murmurbench
 // Secrets in the desktop's Secret Service (GNOME Keyring, KWallet) through QtKeychain. Each call
 // runs the key store's job to its end in a local event loop, so a QCoreApplication must exist.
 // QtKeychain's plain-text fallback stays off: a key is kept in the key store or not at all.
-class KeyringSecretStore final : public SecretStore {
+class KeyringSecretStore final : public platform::SecretStore {
 public:
     explicit KeyringSecretStore(QString service);
 
@@ -26,4 +26,4 @@ private:
     QString service_;
 };
 
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::keyring

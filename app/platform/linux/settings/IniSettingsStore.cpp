@@ -10,7 +10,7 @@
 #include <array>
 #include <charconv>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::settings {
 
 namespace {
 
@@ -30,14 +30,14 @@ std::string storedText(const SettingValue& value) {
 
 } // namespace
 
-IniSettingsStore::IniSettingsStore(const QString& path, Watch watch)
+IniSettingsStore::IniSettingsStore(const QString& path, WatchOtherProcesses watch)
     : path_{path}
     , settings_{std::make_unique<QSettings>(path, QSettings::IniFormat)} {
     readSnapshot(snapshot_);
     if (settings_->status() == QSettings::FormatError) {
         startOverFromSnapshot();
     }
-    if (watch == Watch::otherProcesses) {
+    if (watch == WatchOtherProcesses::yes) {
         // The folder is watched as well: QSettings replaces the file on every write, which ends
         // a watch on the file itself.
         QDir{}.mkpath(QFileInfo{path_}.absolutePath());
@@ -171,4 +171,4 @@ void IniSettingsStore::reload() {
     }
 }
 
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::settings

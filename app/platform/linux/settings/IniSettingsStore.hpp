@@ -9,7 +9,7 @@
 
 class QFileSystemWatcher;
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::settings {
 
 // The settings kept in an INI file through QSettings. Every value is stored as text (a bool as
 // true/false, a number in its shortest exact form, structured values as their JSON), so the file
@@ -17,15 +17,10 @@ namespace lectorbell::platform {
 // and written again with what could be read. QSettings writes through a locked temporary file
 // that replaces the old one, so a crash leaves the old or the new file, and it merges the keys
 // that other processes changed meanwhile.
-class IniSettingsStore final : public SettingsStore {
+class IniSettingsStore final : public platform::SettingsStore {
 public:
-    enum class Watch {
-        // Notice edits of the file by other processes while the Qt event loop runs.
-        otherProcesses,
-        no,
-    };
-
-    explicit IniSettingsStore(const QString& path, Watch watch = Watch::no);
+    explicit IniSettingsStore(const QString& path,
+                              WatchOtherProcesses watch = WatchOtherProcesses::no);
     ~IniSettingsStore() override;
     IniSettingsStore(const IniSettingsStore&) = delete;
     IniSettingsStore& operator=(const IniSettingsStore&) = delete;
@@ -54,4 +49,4 @@ private:
     std::unique_ptr<QFileSystemWatcher> watcher_;
 };
 
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::settings

@@ -2,7 +2,7 @@
 
 #include <QStandardPaths>
 
-namespace lectorbell::platform::linuxPlaces {
+namespace lectorbell::platform::settings {
 
 namespace {
 
@@ -32,4 +32,4 @@ QString formerDataFolder() {
     return dataHome() + QStringLiteral("/Murmurbench");
 }
 
-} // namespace lectorbell::platform::linuxPlaces
+} // namespace lectorbell::platform::settings

@@ -4,7 +4,7 @@
 
 // Where Lectorbell keeps its files on Linux (XDG base directories), and where the earlier build
 // kept them.
-namespace lectorbell::platform::linuxPlaces {
+namespace lectorbell::platform::settings {
 
 // $XDG_CONFIG_HOME/lectorbell/lectorbell.conf
 QString settingsFile();
@@ -15,4 +15,4 @@ QString dataFolder();
 // $XDG_DATA_HOME/Murmurbench, the earlier build's data folder.
 QString formerDataFolder();
 
-} // namespace lectorbell::platform::linuxPlaces
+} // namespace lectorbell::platform::settings

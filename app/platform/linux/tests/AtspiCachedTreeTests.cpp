@@ -1,8 +1,8 @@
-#include "platform/linux/AtspiCachedTree.hpp"
+#include "platform/linux/atspi/AtspiCachedTree.hpp"
 
 #include <gtest/gtest.h>
 
-namespace lectorbell::atspi {
+namespace lectorbell::platform::atspi {
 namespace {
 
 struct Item {
@@ -95,4 +95,4 @@ TEST(CachedTree, KeepsNoChildrenWhereTheCacheIsIncomplete) {
 }
 
 } // namespace
-} // namespace lectorbell::atspi
+} // namespace lectorbell::platform::atspi

@@ -1,10 +1,10 @@
-#include "platform/linux/EspeakRate.hpp"
-#include "platform/linux/EspeakSynthesizer.hpp"
+#include "platform/linux/espeak/EspeakRate.hpp"
+#include "platform/linux/espeak/EspeakSynthesizer.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::espeak {
 namespace {
 
 std::u16string textOf(std::u16string_view text, UTF16Range range) {
@@ -125,4 +125,4 @@ TEST(EspeakRate, IsMonotoneWithNormalAtHalfAndClampsOutside) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::espeak

@@ -1,9 +1,9 @@
 #include "lectorbell/UTF16Text.hpp"
-#include "platform/linux/EspeakWords.hpp"
+#include "platform/linux/espeak/EspeakWords.hpp"
 
 #include <gtest/gtest.h>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::espeak {
 namespace {
 
 // The text of each spoken word, for readable expectations.
@@ -75,4 +75,4 @@ TEST(SpokenWords, KeepsTheFrameOfEachWordsFirstEvent) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::espeak

@@ -1,8 +1,8 @@
-#include "platform/linux/PcmFeed.hpp"
+#include "platform/linux/audio/PcmFeed.hpp"
 
 #include <gtest/gtest.h>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::audio {
 namespace {
 
 // Reads `frames` mono frames as the sink would.
@@ -53,4 +53,4 @@ TEST(PcmFeed, HoldBetweenBuffersAndHoldNowSilenceAtOnce) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::audio

@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 // clang-format on
 
+#include "TestEnvironment.hpp"
 #include "XvfbServer.hpp"
-#include "platform/linux/X11Connection.hpp"
-#include "platform/linux/X11ScreenCapturer.hpp"
-#include "platform/linux/X11WindowLocator.hpp"
+#include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11ScreenCapturer.hpp"
+#include "platform/linux/x11/X11WindowLocator.hpp"
 
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
@@ -14,7 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::x11 {
 namespace {
 
 // A window drawn with a known pattern, on a private X server.
@@ -26,9 +27,7 @@ protected:
     }
     static void TearDownTestSuite() { delete server; }
     void SetUp() override {
-        if (display == nullptr) {
-            GTEST_SKIP() << "Xvfb is not installed";
-        }
+        LECTORBELL_REQUIRE_XVFB(server);
         connection = x11::Connection::open();
         ASSERT_TRUE(connection);
     }
@@ -195,4 +194,4 @@ TEST(X11AdaptersWithoutDisplay, ReportNoScreenAccess) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::x11

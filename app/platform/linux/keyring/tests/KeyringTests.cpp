@@ -9,8 +9,10 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::keyring {
 namespace {
+
+using settings::IniSettingsStore;
 
 using Status = SecretStore::Status;
 
@@ -101,7 +103,7 @@ TEST(NoKeyring, SavingFailsAtOnceAndKeepsNothing) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::keyring
 
 int main(int argc, char** argv) {
     QCoreApplication application{argc, argv};

@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-namespace lectorbell::platform {
+namespace lectorbell::platform::settings {
 namespace {
 
 class IniSettingsStoreTest : public ::testing::Test {
@@ -81,7 +81,7 @@ TEST_F(IniSettingsStoreTest, AGarbageFileGivesWhatCanBeReadAndIsKept) {
 }
 
 TEST_F(IniSettingsStoreTest, NoticesAnotherProcessesWrite) {
-    IniSettingsStore store{path, IniSettingsStore::Watch::otherProcesses};
+    IniSettingsStore store{path, WatchOtherProcesses::yes};
     store.setValue("pace", std::string{"slow"});
     store.setValue("keep", true);
     std::vector<std::string> told;
@@ -118,7 +118,7 @@ TEST_F(IniSettingsStoreTest, NoticesAnotherProcessesWrite) {
 }
 
 } // namespace
-} // namespace lectorbell::platform
+} // namespace lectorbell::platform::settings
 
 int main(int argc, char** argv) {
     QCoreApplication application{argc, argv};

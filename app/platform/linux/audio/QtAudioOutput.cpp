@@ -1,0 +1,197 @@
+#include "platform/linux/audio/QtAudioOutput.hpp"
+
+#include "platform/linux/LinuxLog.hpp"
+#include "platform/linux/audio/PcmFeed.hpp"
+
+#include <QAudioDevice>
+#include <QAudioFormat>
+#include <QAudioSink>
+#include <QMediaDevices>
+#include <algorithm>
+
+namespace lectorbell::platform::audio {
+
+namespace {
+// How far the feed runs ahead of what is heard. Small, because a stop or an immediate pause can
+// only silence what has not yet been handed to the sound server; large enough that a busy main
+// thread (a chunk being rendered) does not starve the stream.
+constexpr int deviceBufferMs = 60;
+// How often buffer starts and ends are looked for: word highlighting follows this closely.
+constexpr int pollIntervalMs = 5;
+} // namespace
+
+QtAudioOutput::QtAudioOutput() {
+    pollTimer_.setTimerType(Qt::PreciseTimer);
+    pollTimer_.setInterval(pollIntervalMs);
+    QObject::connect(&pollTimer_, &QTimer::timeout, [this] { poll(); });
+}
+
+QtAudioOutput::~QtAudioOutput() {
+    pollTimer_.stop();
+    if (sink_) {
+        sink_->stop();
+    }
+}
+
+void QtAudioOutput::setListener(AudioOutputListener* listener) {
+    listener_ = listener;
+}
+
+std::optional<std::string> QtAudioOutput::start(PcmFormat format) {
+    if (sink_ && format == format_ && !failure_) {
+        return std::nullopt;
+    }
+    QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    if (device.isNull()) {
+        qCWarning(lcReading, "audio: no output device");
+        return std::string{noAudioOutputDeviceMessage};
+    }
+    QAudioFormat qformat;
+    qformat.setSampleRate(format.sampleRate);
+    qformat.setChannelCount(format.channels);
+    qformat.setSampleFormat(QAudioFormat::Int16);
+
+    if (sink_) {
+        sink_->stop();
+    }
+    format_ = format;
+    failure_.reset();
+    feed_ = std::make_unique<PcmFeed>(format.channels);
+    sink_ = std::make_unique<QAudioSink>(device, qformat);
+    sink_->setBufferSize(
+        static_cast<qsizetype>(qformat.bytesForDuration(qint64{deviceBufferMs} * 1000)));
+    sink_->start(feed_.get());
+    if (sink_->error() != QAudio::NoError || sink_->state() == QAudio::StoppedState) {
+        qCWarning(lcReading, "audio: the output device did not open (error %d)",
+                  static_cast<int>(sink_->error()));
+        sink_.reset();
+        feed_.reset();
+        return std::string{noAudioOutputDeviceMessage};
+    }
+    QObject::connect(sink_.get(), &QAudioSink::stateChanged, [this](QAudio::State state) {
+        if (state == QAudio::StoppedState && sink_ && sink_->error() != QAudio::NoError) {
+            failAll(noAudioOutputDeviceMessage);
+        }
+    });
+    return std::nullopt;
+}
+
+AudioBufferId QtAudioOutput::schedule(PcmSamples samples) {
+    static AudioBufferId lastId = 0;
+    AudioBufferId id = ++lastId;
+    if (!feed_) {
+        // Never started, or failed: complete at once (from the event loop) so nothing waits.
+        feed_ = std::make_unique<PcmFeed>(format_.channels);
+        failure_ = failure_.value_or(noAudioOutputDeviceMessage);
+    }
+    samples.resize(samples.size() - samples.size() % static_cast<std::size_t>(format_.channels));
+    feed_->entries().push_back({id, std::move(samples), -1, 0, false});
+    if (failure_) {
+        QTimer::singleShot(0, &pollTimer_, [this] { failAll(*failure_); });
+    }
+    pollTimer_.start();
+    return id;
+}
+
+void QtAudioOutput::pause(PauseBoundary boundary) {
+    if (!feed_) {
+        return;
+    }
+    if (boundary == PauseBoundary::immediate) {
+        feed_->holdNow();
+    } else {
+        feed_->holdAfterCurrent();
+    }
+}
+
+void QtAudioOutput::resume() {
+    if (feed_) {
+        feed_->release();
+    }
+}
+
+void QtAudioOutput::stop() {
+    if (!feed_) {
+        return;
+    }
+    // What the sound server already holds (at most deviceBufferMs) still plays out.
+    feed_->entries().clear();
+    feed_->release();
+}
+
+std::int64_t QtAudioOutput::playedFrames() const {
+    return playedFrames_;
+}
+
+bool QtAudioOutput::isFlowing() const {
+    return sink_ && sink_->processedUSecs() > std::int64_t{deviceBufferMs} * 1000;
+}
+
+bool QtAudioOutput::isBusy() const {
+    return feed_ && !feed_->entries().empty();
+}
+
+void QtAudioOutput::poll() {
+    if (!feed_ || !sink_) {
+        pollTimer_.stop();
+        return;
+    }
+    // processedUSecs is the sound server's read position less its latency: what has been heard.
+    const std::int64_t heard =
+        sink_->processedUSecs() * static_cast<std::int64_t>(format_.sampleRate) / 1'000'000;
+    auto& entries = feed_->entries();
+    // Callbacks may schedule or stop: work on ids, re-reading the queue after each call.
+    while (!entries.empty()) {
+        PcmFeed::Entry& front = entries.front();
+        if (front.streamStart < 0 || heard < front.streamStart) {
+            break;
+        }
+        AudioBufferId id = front.id;
+        auto frames = static_cast<std::int64_t>(front.samples.size()) / format_.channels;
+        if (!front.started) {
+            front.started = true;
+            if (listener_ != nullptr) {
+                listener_->audioBufferDidStart(id);
+            }
+            if (entries.empty() || entries.front().id != id) {
+                continue;
+            }
+        }
+        PcmFeed::Entry& entry = entries.front();
+        std::int64_t end = entry.streamStart + frames;
+        if (entry.fed < entry.samples.size() || heard < end) {
+            break;
+        }
+        playedFrames_ += frames;
+        entries.pop_front();
+        if (listener_ != nullptr) {
+            listener_->audioBufferDidFinish(id);
+        }
+    }
+    if (entries.empty()) {
+        pollTimer_.stop();
+    }
+}
+
+void QtAudioOutput::failAll(const std::string& reason) {
+    if (!failure_) {
+        qCWarning(lcReading, "audio: the output device failed; completing %zu buffers",
+                  feed_ ? feed_->entries().size() : std::size_t{0});
+    }
+    failure_ = reason;
+    if (sink_) {
+        sink_.release()->deleteLater();
+    }
+    while (feed_ && !feed_->entries().empty()) {
+        PcmFeed::Entry entry = std::move(feed_->entries().front());
+        feed_->entries().pop_front();
+        if (listener_ != nullptr) {
+            if (!entry.started) {
+                listener_->audioBufferDidStart(entry.id);
+            }
+            listener_->audioBufferDidFinish(entry.id);
+        }
+    }
+}
+
+} // namespace lectorbell::platform::audio

@@ -63,7 +63,7 @@ void share(ReadingSettings& settings, platform::SettingsStore& store,
     if (!feedback.available()) {
         return;
     }
-    waitFor<bool>([&](std::function<void(bool)> done) { feedback.suggest(rule, done); });
+    waitFor<bool>([&](std::function<void(bool)> done) { feedback.suggest(rule, std::move(done)); });
 }
 
 int addRule(platform::Platform& platform, const PronunciationArgs& args) {
@@ -174,7 +174,7 @@ int refreshShared(platform::Platform& platform, bool force) {
     using Outcome = Feedback::RefreshResult::Outcome;
     Feedback::RefreshResult result =
         waitFor<Feedback::RefreshResult>([&](std::function<void(Feedback::RefreshResult)> done) {
-            feedback.refreshShared(settings, force, done);
+            feedback.refreshShared(settings, force, std::move(done));
         });
     switch (result.outcome) {
     case Outcome::notConfigured:

@@ -45,8 +45,10 @@ int sendReport(platform::Platform& platform, const ReportArgs& args) {
     reading.mode = "mouse";
     reading.origin = "command line";
     std::string body = feedback.reportBody(reading, *problem, args.note, args.includeSentence);
-    Feedback::SendResult result = waitFor<Feedback::SendResult>(
-        [&](std::function<void(Feedback::SendResult)> done) { feedback.send(body, done); });
+    Feedback::SendResult result =
+        waitFor<Feedback::SendResult>([&](std::function<void(Feedback::SendResult)> done) {
+            feedback.send(body, std::move(done));
+        });
     if (!result.sent) {
         std::cerr << "lectorbell: " << result.message << '\n';
         return exitFailed;

@@ -19,6 +19,7 @@ QueueItem saved(std::u16string text, std::string app = "Text Editor") {
 
 std::vector<std::u16string> texts(const std::vector<QueueItem>& items) {
     std::vector<std::u16string> out;
+    out.reserve(items.size());
     for (const QueueItem& item : items) {
         out.push_back(item.text);
     }
@@ -134,15 +135,6 @@ TEST_F(QueueStoreTest, AFileThatDoesNotDecodeIsKeptAside) {
         EXPECT_EQ(QueueStore{folder}.items().size(), c.kept.size() + 1);
         EXPECT_EQ(keptAside().size(), 1);
     }
-}
-
-TEST_F(QueueStoreTest, AHugeGarbageFileEndsInAnEmptyQueueQuickly) {
-    writeFile(QByteArray(50 * 1024 * 1024, '['));
-    auto start = std::chrono::steady_clock::now();
-    QueueStore queue{folder};
-    EXPECT_TRUE(queue.items().empty());
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{5});
-    EXPECT_EQ(keptAside().size(), 1);
 }
 
 } // namespace

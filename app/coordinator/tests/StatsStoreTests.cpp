@@ -9,7 +9,7 @@ namespace {
 using namespace std::chrono;
 using testing::MemorySettingsStore;
 
-const Date noon = sys_days{2026y / March / 7} + 12h;
+constexpr Date noon = sys_days{2026y / March / 7} + 12h;
 
 ListenEntry entry(std::int64_t words, double seconds = 10, Date at = noon) {
     return {at, "Text Editor", words, seconds, false, std::string{"org.gnome.TextEditor"}};

@@ -174,7 +174,7 @@ void Feedback::send(const std::string& body, std::function<void(SendResult)> don
 }
 
 void Feedback::suggest(const PronunciationRule& rule, std::function<void(bool)> done) {
-    auto finish = [done](bool ok) {
+    auto finish = [done = std::move(done)](bool ok) {
         if (done) {
             done(ok);
         }

@@ -94,7 +94,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadValue{
             "appVoices",
             SettingValue{std::string{
-                R"([{"bundleID":"a","appName":"A","voice":{"apple":{"_0":"x"},"eleven":{}}}])"}}}));
+                R"([{"bundleID":"a","appName":"A","voice":{"apple":{"_0":"x"},"eleven":{}}}])"}}}),
+    [](const ::testing::TestParamInfo<BadValue>& info) {
+        return std::string{info.param.key} + std::to_string(info.index);
+    });
 
 TEST(ReadingSettings, ModelRule) {
     struct Case {

@@ -24,7 +24,9 @@ std::optional<AppVoiceRule::Voice> decodeVoice(const Json& object, std::string& 
         whyNot = invalidVoiceKeysMessage;
         return std::nullopt;
     }
-    const auto& [name, value] = *object.items().begin();
+    auto only = object.begin();
+    const std::string& name = only.key();
+    const Json& value = only.value();
     if (name == "eleven" && value.is_object()) {
         return AppVoiceRule::Voice{AppVoiceRule::Voice::Kind::eleven, {}};
     }

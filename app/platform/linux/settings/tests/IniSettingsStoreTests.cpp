@@ -62,9 +62,9 @@ TEST_F(IniSettingsStoreTest, ValuesReadBackFromTheFileAsWritten) {
 
 TEST_F(IniSettingsStoreTest, AGarbageFileGivesWhatCanBeReadAndIsKept) {
     QDir{}.mkpath(root.filePath(QStringLiteral("lectorbell")));
-    const QByteArray garbage{"\x00\xff\xfe[General\npace=fast\nlist=a,b,c\nweird=@Variant(\\0\\0)\n"
-                             "=novalue\n\x80\x81\n",
-                             81};
+    constexpr char raw[] = "\x00\xff\xfe[General\npace=fast\nlist=a,b,c\nweird=@Variant(\\0\\0)\n"
+                           "=novalue\n\x80\x81\n";
+    const QByteArray garbage{raw, sizeof raw - 1};
     writeFile(garbage);
     IniSettingsStore store{path};
     EXPECT_EQ(store.stringValue("list"), std::nullopt);

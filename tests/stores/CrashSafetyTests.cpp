@@ -77,8 +77,8 @@ TEST(CrashSafety, AKilledSettingsWriteLeavesTheOldOrTheNewSettings) {
         ASSERT_EQ(blob[0], static_cast<char>('a' + version % 26));
         ASSERT_EQ(blob.count(blob[0]), 200000) << "round " << round;
         // The version is written after the blob: it is the blob's or the one before.
-        ASSERT_TRUE(values.contains("version")) << "round " << round;
-        int stored = values["version"].toInt();
+        // Killed before the first version was written, there is none yet (-1).
+        int stored = values.contains("version") ? values["version"].toInt() : -1;
         ASSERT_TRUE(stored == version || stored == version - 1) << stored << " " << version;
         ++filesSeen;
     }

@@ -48,7 +48,7 @@ void espeakRenderTwentyWords(benchmark::State& state) {
     double audioSeconds = 0;
     for (auto _ : state) {
         platform::SynthesizedSpeech speech =
-            synth.render(twentyWords, synth.defaultVoiceId(), rate);
+            synth.render(twentyWords, synth.defaultVoiceId(), rate).value();
         audioSeconds +=
             platform::secondsOf(platform::frameCount(speech.samples, speech.format), speech.format);
     }

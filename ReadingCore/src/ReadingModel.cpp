@@ -144,6 +144,8 @@ std::string ReadingError::userMessage() const {
         return "The app didn't respond in time \u2014 try again";
     case Kind::speechUnavailable:
         return "Selected voice is unavailable";
+    case Kind::audioOutputUnavailable:
+        return "No audio output device";
     }
     return {};
 }

@@ -203,6 +203,10 @@ void ReadingSession::fail(ReadingError error, std::int64_t generation) {
     if (generation != generation_) {
         return;
     }
+    endFailed(std::move(error));
+}
+
+void ReadingSession::endFailed(ReadingError error) {
     reportPartialHead();
     silence();
     transition(SessionState::failed(std::move(error)));
@@ -337,6 +341,14 @@ void ReadingSession::speechDidCancel(const Uuid& id) {
                               [&id](const InFlight& entry) { return entry.id == id; });
     if (found != inFlight_.end()) {
         inFlight_.erase(found);
+    }
+}
+
+void ReadingSession::speechDidFail(const Uuid& id, const ReadingError& error) {
+    const bool inFlight = std::any_of(inFlight_.begin(), inFlight_.end(),
+                                      [&id](const InFlight& entry) { return entry.id == id; });
+    if (inFlight) {
+        endFailed(error);
     }
 }
 

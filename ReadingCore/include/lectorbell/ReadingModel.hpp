@@ -120,6 +120,8 @@ public:
         elementInvalidated,
         appNotResponding,
         speechUnavailable,
+        // The sound device (or the file standing in for it) failed while the reading played.
+        audioOutputUnavailable,
     };
 
     // The payload is the application name for appExcluded and the shortcut's display text for

@@ -73,6 +73,9 @@ public:
     void speechDidStart(const Uuid& id) override;
     void speechDidFinish(const Uuid& id) override;
     void speechDidCancel(const Uuid& id) override;
+    // Ends the reading with `error` when `id` is in flight; words count only up to the last word
+    // heard.
+    void speechDidFail(const Uuid& id, const ReadingError& error) override;
     void speechWillSpeak(const Uuid& id, UTF16Range utf16Range) override;
 
 private:
@@ -85,6 +88,7 @@ private:
     void ensureChunk(std::int64_t index);
     void fillQueue();
     void reportPartialHead();
+    void endFailed(ReadingError error);
     void silence();
     bool isHead(const Uuid& id) const;
     const std::u16string& blockText(std::int64_t index) const;

@@ -16,7 +16,8 @@ namespace lectorbell::speech {
 // speechWillSpeak, its buffer ends speechDidFinish, so callbacks follow what is heard, not what
 // was rendered. A failure of the voice (speechUnavailable) or of the output
 // (audioOutputUnavailable) reaches the delegate as speechDidFail for the oldest utterance not
-// finished, with speechDidCancel for those behind it. Everything runs on the main thread, as do the output's callbacks.
+// finished, with speechDidCancel for those behind it. Everything runs on the main thread, as do the
+// output's callbacks.
 class SystemSpeechEngine final : public SpeechSynthesizing, private platform::AudioOutputListener {
 public:
     using VoiceInfo = platform::PlatformVoice;

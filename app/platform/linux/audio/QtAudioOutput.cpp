@@ -60,13 +60,8 @@ std::optional<std::string> QtAudioOutput::open() {
 
     QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull()) {
-<<<<<<< HEAD
         qCWarning(lcReading, "audio: no output device");
-        return std::string{noAudioOutputDeviceMessage};
-=======
-        qCWarning(lcLinuxSpeech, "audio: no output device");
         return failure_;
->>>>>>> failures
     }
     QAudioFormat qformat;
     qformat.setSampleRate(format_.sampleRate);
@@ -77,21 +72,11 @@ std::optional<std::string> QtAudioOutput::open() {
     auto sink = std::make_unique<QAudioSink>(device, qformat);
     sink->setBufferSize(
         static_cast<qsizetype>(qformat.bytesForDuration(qint64{deviceBufferMs} * 1000)));
-<<<<<<< HEAD
-    sink_->start(feed_.get());
-    if (sink_->error() != QAudio::NoError || sink_->state() == QAudio::StoppedState) {
-        qCWarning(lcReading, "audio: the output device did not open (error %d)",
-                  static_cast<int>(sink_->error()));
-        sink_.reset();
-        feed_.reset();
-        return std::string{noAudioOutputDeviceMessage};
-=======
     sink->start(feed.get());
     if (sink->error() != QAudio::NoError || sink->state() == QAudio::StoppedState) {
-        qCWarning(lcLinuxSpeech, "audio: the output device did not open (error %d)",
+        qCWarning(lcReading, "audio: the output device did not open (error %d)",
                   static_cast<int>(sink->error()));
         return failure_;
->>>>>>> failures
     }
     // Queued to the main thread should the sound server's thread emit it.
     QObject::connect(sink.get(), &QAudioSink::stateChanged, &pollTimer_,
@@ -136,7 +121,7 @@ void QtAudioOutput::reportFailureLater() {
 }
 
 void QtAudioOutput::deviceFailed() {
-    qCWarning(lcLinuxSpeech, "audio: the output device failed (error %d); dropping %zu buffers",
+    qCWarning(lcReading, "audio: the output device failed (error %d); dropping %zu buffers",
               static_cast<int>(sink_->error()), feed_ ? feed_->entries().size() : std::size_t{0});
     pollTimer_.stop();
     // We are inside the sink's own signal: it and the feed it reads go from the event loop.
@@ -231,28 +216,4 @@ void QtAudioOutput::poll() {
     }
 }
 
-<<<<<<< HEAD
-void QtAudioOutput::failAll(const std::string& reason) {
-    if (!failure_) {
-        qCWarning(lcReading, "audio: the output device failed; completing %zu buffers",
-                  feed_ ? feed_->entries().size() : std::size_t{0});
-    }
-    failure_ = reason;
-    if (sink_) {
-        sink_.release()->deleteLater();
-    }
-    while (feed_ && !feed_->entries().empty()) {
-        PcmFeed::Entry entry = std::move(feed_->entries().front());
-        feed_->entries().pop_front();
-        if (listener_ != nullptr) {
-            if (!entry.started) {
-                listener_->audioBufferDidStart(entry.id);
-            }
-            listener_->audioBufferDidFinish(entry.id);
-        }
-    }
-}
-
-=======
->>>>>>> failures
 } // namespace lectorbell::platform::audio

@@ -203,13 +203,8 @@ std::optional<SynthesizedSpeech> EspeakSynthesizer::render(std::u16string_view t
     if (voice != library.currentVoice) {
         espeak_ERROR status = espeak_SetVoiceByName(voice.c_str());
         if (status != EE_OK) {
-<<<<<<< HEAD
             qCWarning(lcReading, "speech: espeak-ng could not load a voice (%d)", status);
-            return speech;
-=======
-            qCWarning(lcLinuxSpeech, "speech: espeak-ng could not load a voice (%d)", status);
             return std::nullopt;
->>>>>>> failures
         }
         library.currentVoice = voice;
     }

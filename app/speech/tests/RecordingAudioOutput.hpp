@@ -22,6 +22,7 @@ public:
         format_ = format;
         return std::nullopt;
     }
+    std::optional<platform::PcmFormat> format() const override { return format_; }
     platform::AudioBufferId schedule(platform::PcmSamples samples) override {
         scheduled.push_back({++lastId_, samples});
         queue_.push_back({lastId_, samples.size(), 0, false});
@@ -101,7 +102,7 @@ private:
     };
 
     platform::AudioOutputListener* listener_ = nullptr;
-    platform::PcmFormat format_;
+    std::optional<platform::PcmFormat> format_;
     platform::AudioBufferId lastId_ = 0;
     std::deque<Pending> queue_;
     bool held_ = false;

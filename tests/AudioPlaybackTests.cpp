@@ -27,6 +27,7 @@ public:
         : out_{out} {}
     void setListener(platform::AudioOutputListener* l) override { out_.setListener(l); }
     std::optional<std::string> start(platform::PcmFormat f) override { return out_.start(f); }
+    std::optional<platform::PcmFormat> format() const override { return out_.format(); }
     platform::AudioBufferId schedule(PcmSamples samples) override {
         scheduled.insert(scheduled.end(), samples.begin(), samples.end());
         return out_.schedule(std::move(samples));

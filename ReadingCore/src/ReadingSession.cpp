@@ -3,7 +3,6 @@
 #include "lectorbell/ListeningStats.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace lectorbell {
@@ -42,16 +41,11 @@ void extendChunks(std::vector<SpeechChunk>& chunks, std::optional<BlockChunker>&
 
 } // namespace
 
-double ReadingSession::monotonicSeconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 ReadingSession::ReadingSession(SpeechSynthesizing& synth, std::int64_t lookahead,
                                UptimeSeconds uptime)
     : synth_(synth)
     , lookahead_(std::max<std::int64_t>(lookahead, 0))
-    , uptime_(uptime ? std::move(uptime) : UptimeSeconds{monotonicSeconds}) {
+    , uptime_(uptime ? std::move(uptime) : UptimeSeconds{monotonicUptime}) {
     synth_.setDelegate(this);
 }
 

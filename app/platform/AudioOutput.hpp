@@ -47,6 +47,8 @@ public:
     virtual void setListener(AudioOutputListener* listener) = 0;
     // Opens the device for `format`; the error message when there is none or it fails.
     virtual std::optional<std::string> start(PcmFormat format) = 0;
+    // The format of the open device; none until a start has succeeded.
+    virtual std::optional<PcmFormat> format() const = 0;
     // Queues samples (interleaved, in the started format) behind everything already queued.
     virtual AudioBufferId schedule(PcmSamples samples) = 0;
     virtual void pause(PauseBoundary boundary) = 0;

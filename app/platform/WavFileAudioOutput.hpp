@@ -27,6 +27,9 @@ public:
 
     void setListener(AudioOutputListener* listener) override { listener_ = listener; }
     std::optional<std::string> start(PcmFormat format) override;
+    std::optional<PcmFormat> format() const override {
+        return file_.is_open() ? std::optional{format_} : std::nullopt;
+    }
     AudioBufferId schedule(PcmSamples samples) override;
     void pause(PauseBoundary boundary) override;
     void resume() override;

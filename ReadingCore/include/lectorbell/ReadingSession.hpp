@@ -4,6 +4,7 @@
 #include "lectorbell/SessionState.hpp"
 #include "lectorbell/SpeechSynthesizing.hpp"
 #include "lectorbell/TextSegmenter.hpp"
+#include "lectorbell/Uptime.hpp"
 
 #include <cstdint>
 #include <deque>
@@ -21,15 +22,13 @@ namespace lectorbell {
 class ReadingSession final : public SpeechSynthesizerDelegate {
 public:
     // Monotonic uptime in seconds; injected so tests control time.
-    using UptimeSeconds = std::function<double()>;
+    using UptimeSeconds = Uptime;
 
     ReadingSession(SpeechSynthesizing& synth, std::int64_t lookahead,
-                   UptimeSeconds uptime = monotonicSeconds);
+                   UptimeSeconds uptime = monotonicUptime);
     ~ReadingSession() override;
     ReadingSession(const ReadingSession&) = delete;
     ReadingSession& operator=(const ReadingSession&) = delete;
-
-    static double monotonicSeconds();
 
     // Called after every accepted state change.
     std::function<void(const SessionState&)> onStateChange;

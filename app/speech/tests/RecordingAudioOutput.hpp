@@ -26,6 +26,7 @@ public:
         format_ = format;
         return std::nullopt;
     }
+    std::optional<platform::PcmFormat> format() const override { return format_; }
     platform::AudioBufferId schedule(platform::PcmSamples samples) override {
         failure_.reset();
         scheduled.push_back({++lastId_, samples});
@@ -117,7 +118,7 @@ private:
     };
 
     platform::AudioOutputListener* listener_ = nullptr;
-    platform::PcmFormat format_;
+    std::optional<platform::PcmFormat> format_;
     platform::AudioBufferId lastId_ = 0;
     std::deque<Pending> queue_;
     bool held_ = false;

@@ -29,6 +29,9 @@ public:
 
     void setListener(AudioOutputListener* listener) override;
     std::optional<std::string> start(PcmFormat format) override;
+    std::optional<PcmFormat> format() const override {
+        return sink_ ? std::optional{format_} : std::nullopt;
+    }
     AudioBufferId schedule(PcmSamples samples) override;
     void pause(PauseBoundary boundary) override;
     void resume() override;

@@ -215,7 +215,7 @@ TEST_F(SystemSpeechEngineTest, ALostDeviceFailsTheOldestUtteranceAndComesBackFor
     output.failAfter = 52; // inside "one", after the 2 ms kept before it
     output.playAll();
     EXPECT_EQ(delegate.log,
-              (Log{"start 1", "word 1 0+3", "fail 1 Selected voice is unavailable", "cancel 2"}));
+              (Log{"start 1", "word 1 0+3", "fail 1 No audio output device", "cancel 2"}));
     EXPECT_EQ(output.failure(), std::optional<std::string>{"No audio output device"});
 
     delegate.log.clear();

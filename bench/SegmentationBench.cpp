@@ -8,21 +8,22 @@ namespace {
 
 using namespace lectorbell;
 
-const std::u16string plainParagraph =
+// Plain prose in wrapped lines and paragraphs, as extracted documents look.
+constexpr std::u16string_view plainParagraph =
     u"The committee met on a grey morning to review the year's results. Most of the\n"
     u"members had read the report, and they agreed that the numbers were better than\n"
     u"expected; the new process had cut waiting times by a third. Dr. Lee asked whether\n"
     u"the gains would last, e.g. through the winter, when demand is highest.\n\n";
 
 // The same with citation marks and a link, as a wiki article or a note reads.
-const std::u16string citedParagraph =
+constexpr std::u16string_view citedParagraph =
     u"The committee met on a grey morning to review the year's results.[1] Most of the\n"
     u"members had read the [report](https://example.org/report), and they agreed that the\n"
     u"numbers were better than expected;[2] the new process had cut waiting times by a\n"
     u"third. Dr. Lee asked whether the gains would last &mdash; through the winter.\n\n";
 
-// Plain prose in wrapped lines and paragraphs, as extracted documents look.
-std::u16string prose(std::size_t bytes, const std::u16string& paragraph = plainParagraph) {
+// A paragraph repeated to the given size in bytes (two a unit).
+std::u16string prose(std::size_t bytes, std::u16string_view paragraph = plainParagraph) {
     std::u16string text;
     text.reserve(bytes / 2 + paragraph.size());
     while (text.size() * 2 < bytes) {

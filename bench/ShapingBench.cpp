@@ -82,7 +82,7 @@ const std::u16string& readme() {
             content << file.rdbuf();
             bytes += content.str();
         }
-        bytes.resize(bytes.rfind('\n', 16 * 1024) + 1);
+        bytes.resize(bytes.rfind('\n', std::size_t{16} * 1024) + 1);
         return fromUtf8(bytes);
     }();
     return text;

@@ -115,12 +115,6 @@ void skipHtmlSpace(std::u16string_view s, std::size_t& i) {
     }
 }
 
-bool equalsIgnoringAsciiCase(std::u16string_view a, std::u16string_view b) {
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(),
-                      [](char16_t x, char16_t y) { return asciiLower(x) == asciiLower(y); });
-}
-
 std::optional<TagKind> elementKind(std::u16string_view name) {
     static const auto sorted = sortedByName(elements);
     constexpr std::size_t longestName = 10;
@@ -158,6 +152,15 @@ std::optional<std::u16string_view> attributeValue(std::u16string_view s, std::si
     return s.substr(start, i - start);
 }
 
+// Attributes that HTML writes without a value.
+bool isBooleanAttribute(std::u16string_view name) {
+    static constexpr std::array<std::u16string_view, 12> names{
+        u"async",  u"autoplay", u"checked", u"controls", u"defer",    u"disabled",
+        u"hidden", u"loop",     u"muted",   u"open",     u"readonly", u"selected"};
+    return std::any_of(names.begin(), names.end(),
+                       [&](std::u16string_view n) { return equalsIgnoringAsciiCase(name, n); });
+}
+
 bool startsAttributeName(char16_t c) {
     return isAsciiLetter(c) || c == u'_' || c == u':';
 }
@@ -186,7 +189,12 @@ std::optional<std::size_t> openingTagEnd(std::u16string_view s, std::size_t i, H
         std::u16string_view name = s.substr(nameStart, i - nameStart);
         std::size_t j = i;
         skipHtmlSpace(s, j);
-        if (j < s.size() && s[j] == u'=') {
+        if (j >= s.size() || s[j] != u'=') {
+            // Words in prose ("a<b and c>d") are not taken for attributes without values.
+            if (!isBooleanAttribute(name)) {
+                return std::nullopt;
+            }
+        } else {
             ++j;
             skipHtmlSpace(s, j);
             std::optional<std::u16string_view> value = attributeValue(s, j);

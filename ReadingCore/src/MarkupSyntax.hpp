@@ -66,4 +66,13 @@ std::optional<std::size_t> appendEntity(std::u16string_view s, std::size_t at, s
 // Text with its entities replaced by their characters (an attribute value).
 std::u16string decodeEntities(std::u16string_view s);
 
+bool equalsIgnoringAsciiCase(std::u16string_view a, std::u16string_view b);
+
+// The shapes of wiki citation and editing marks: "12", "3–5", "1,4", "b", "citation needed",
+// "edit", "note 2", "clarification needed".
+bool looksLikeCitationMark(std::u16string_view text);
+
+// Whether a paragraph line may run on into the next: not a heading, table row or rule.
+bool goesOnIntoNextLine(std::u16string_view line);
+
 } // namespace lectorbell::detail

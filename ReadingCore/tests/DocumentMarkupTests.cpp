@@ -76,6 +76,7 @@ INSTANTIATE_TEST_SUITE_P(
              u"Centred More Inside"},
         Case{u"<!-- hidden\nover lines --> shown <!-- and --> here", u"shown here"},
         Case{u"std::vector<int> and <T> and a < b > c", u"std:vector<int> and <T> and a < b > c"},
+        Case{u"if i<b and j>0 then x<b>y</b>", u"if i<b and j>0 then xy"},
         Case{u"Fish &amp; chips&nbsp;here &#8212; ok &#x2014; &#0; &bogus; AT&T",
              u"Fish & chips\u00A0here \u2014 ok \u2014 &bogus; AT&T"}));
 

@@ -13,6 +13,12 @@ void addVerbs(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform)
     addProbeVerb(app, outcome, platform);
     addOcrVerb(app, outcome, platform);
     addAccessibilityVerb(app, outcome, platform);
+    addSettingsVerb(app, outcome, platform);
+    addQueueVerb(app, outcome, platform);
+    addHistoryVerb(app, outcome, platform);
+    addKeyVerb(app, outcome, platform);
+    addPronunciationsVerb(app, outcome, platform);
+    addReportVerb(app, outcome, platform);
 }
 
 } // namespace lectorbell::cli

@@ -30,5 +30,11 @@ void addPaceVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platfo
 void addProbeVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
 void addOcrVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
 void addAccessibilityVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addSettingsVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addQueueVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addHistoryVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addKeyVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addPronunciationsVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
+void addReportVerb(CLI::App& app, VerbOutcome& outcome, platform::Platform& platform);
 
 } // namespace lectorbell::cli

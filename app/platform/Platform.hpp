@@ -8,6 +8,8 @@
 #include "platform/Scheduler.hpp"
 #include "platform/ScreenCapturer.hpp"
 #include "platform/SystemServices.hpp"
+#include "platform/SecretStore.hpp"
+#include "platform/SettingsStore.hpp"
 #include "platform/TextRecognizer.hpp"
 #include "platform/WindowLocator.hpp"
 
@@ -61,6 +63,17 @@ public:
     virtual std::unique_ptr<HotkeyService> hotkeyService(Scheduler& scheduler) = 0;
     // The pointer, the applications behind windows, permissions and the application's sounds.
     virtual std::unique_ptr<SystemServices> systemServices() = 0;
+
+    // The user's settings ("user defaults").
+    virtual std::unique_ptr<SettingsStore> settingsStore(WatchOtherProcesses watch) = 0;
+    // The earlier build's settings, read once to carry them over; none when it left none.
+    virtual std::unique_ptr<SettingsStore> formerSettingsStore() = 0;
+    // The folder that holds the queue, and the earlier build's.
+    virtual std::string dataFolder() = 0;
+    virtual std::string formerDataFolder() = 0;
+    // The user's secrets under our application id, and under the earlier build's.
+    virtual std::unique_ptr<SecretStore> secretStore() = 0;
+    virtual std::unique_ptr<SecretStore> formerSecretStore() = 0;
 };
 
 // Prepares the process for the platform's libraries before anything else runs (it may re-run

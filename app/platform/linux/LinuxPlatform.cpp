@@ -1,6 +1,6 @@
 // The Linux adapters: AT-SPI for accessibility, X11 for windows, capture and global keys,
 // Tesseract for text recognition, espeak-ng for the built-in voice, Qt Multimedia for sound, Qt's
-// event loop for the main queue.
+// event loop for the main queue, an INI file for the settings and the Secret Service for secrets.
 
 #include "platform/Platform.hpp"
 #include "platform/linux/LinuxLog.hpp"
@@ -10,6 +10,9 @@
 #include "platform/linux/audio/QtAudioOutput.hpp"
 #include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "platform/linux/espeak/SystemLanguages.hpp"
+#include "platform/linux/keyring/KeyringSecretStore.hpp"
+#include "platform/linux/settings/IniSettingsStore.hpp"
+#include "platform/linux/settings/LinuxPlaces.hpp"
 #include "platform/linux/tesseract/ImageFile.hpp"
 #include "platform/linux/tesseract/OpenMPEnvironment.hpp"
 #include "platform/linux/tesseract/TesseractRecognizer.hpp"
@@ -20,6 +23,7 @@
 #include "platform/linux/xdg/DesktopEntries.hpp"
 #include "platform/qt/QtScheduler.hpp"
 
+#include <QFileInfo>
 #include <mutex>
 
 namespace lectorbell::platform {
@@ -104,6 +108,30 @@ public:
     std::unique_ptr<SystemServices> systemServices() override {
         return std::make_unique<LinuxSystemServices>(connection(),
                                                      xdg::DesktopEntries::applicationFolders());
+    }
+
+    std::unique_ptr<SettingsStore> settingsStore(WatchOtherProcesses watch) override {
+        return std::make_unique<settings::IniSettingsStore>(settings::settingsFile(), watch);
+    }
+
+    std::unique_ptr<SettingsStore> formerSettingsStore() override {
+        if (!QFileInfo::exists(settings::formerSettingsFile())) {
+            return nullptr;
+        }
+        return std::make_unique<settings::IniSettingsStore>(settings::formerSettingsFile());
+    }
+
+    std::string dataFolder() override { return settings::dataFolder().toStdString(); }
+    std::string formerDataFolder() override { return settings::formerDataFolder().toStdString(); }
+
+    std::unique_ptr<SecretStore> secretStore() override {
+        return std::make_unique<keyring::KeyringSecretStore>(
+            QString::fromLatin1(keyring::keyringService));
+    }
+
+    std::unique_ptr<SecretStore> formerSecretStore() override {
+        return std::make_unique<keyring::KeyringSecretStore>(
+            QString::fromLatin1(keyring::formerKeyringService));
     }
 
 private:

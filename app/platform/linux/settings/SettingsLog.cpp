@@ -1,0 +1,3 @@
+#include "platform/linux/settings/SettingsLog.hpp"
+
+Q_LOGGING_CATEGORY(lcSettingsStore, "lectorbell.settings")

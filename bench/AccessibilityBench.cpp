@@ -36,9 +36,8 @@ void quickProbe(benchmark::State& state, const char* variable, bool quick) {
         return;
     }
     static platform::atspi::AtspiDesktop desktop;
-    AccessibilityExtractor extractor{
-        desktop, ExtractorConfig{},
-        WalkContext{[] { return std::chrono::steady_clock::now(); }, nullptr, false}};
+    AccessibilityExtractor extractor{desktop, ExtractorConfig{},
+                                     WalkContext{steadyClock(), nullptr}};
     bool walkCut = false;
     for (auto _ : state) {
         std::optional<ProcessID> pid = desktop.processAt(*point);

@@ -24,10 +24,10 @@ void recognise(benchmark::State& state, const std::string& page, int scale,
         return;
     }
     platform::tesseract::TesseractRecognizer recognizer;
-    recognizer.recognize(std::get<PixelBuffer>(image), mode); // initialises the engine
+    recognizer.recognize(std::get<PixelBuffer>(image), mode, {}); // initialises the engine
     std::size_t lines = 0;
     for (auto _ : state) {
-        lines = recognizer.recognize(std::get<PixelBuffer>(image), mode).lines.size();
+        lines = recognizer.recognize(std::get<PixelBuffer>(image), mode, {}).lines.size();
     }
     state.counters["lines"] = static_cast<double>(lines);
 }

@@ -3,9 +3,13 @@
 #include "lectorbell/NumberSpeech.hpp"
 #include "lectorbell/Pronunciations.hpp"
 #include "lectorbell/SpeechCleanup.hpp"
+#include "lectorbell/TextSegmenter.hpp"
+#include "lectorbell/Utf8.hpp"
 
 #include <benchmark/benchmark.h>
+#include <fstream>
 #include <random>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -66,6 +70,40 @@ BENCHMARK_CAPTURE(shape, cleanMarkup, SpeechCleanup::clean, markup)->Arg(320)->A
 BENCHMARK_CAPTURE(shape, normalizeNumbers, NumberSpeech::normalize, numbers)
     ->Arg(320)
     ->Arg(1 << 16);
+
+// A project README of 16 KiB: badge rows, an HTML header, links, code blocks and tables. Cut
+// at a line break from the fixtures the verb tests read.
+const std::u16string& readme() {
+    static const std::u16string text = [] {
+        std::string bytes;
+        for (const char* name : {"tessel.md", "parcel.md"}) {
+            std::ifstream file{std::string{LECTORBELL_READMES} + "/" + name};
+            std::ostringstream content;
+            content << file.rdbuf();
+            bytes += content.str();
+        }
+        bytes.resize(bytes.rfind('\n', std::size_t{16} * 1024) + 1);
+        return fromUtf8(bytes);
+    }();
+    return text;
+}
+
+void cleanReadme(benchmark::State& state) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(SpeechCleanup::clean(readme()));
+    }
+    setBytes(state, readme().size());
+}
+BENCHMARK(cleanReadme)->Unit(benchmark::kMicrosecond);
+
+// The whole road of a README through the segmenter: block, paragraphs, sentences, spoken forms.
+void chunkReadme(benchmark::State& state) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(TextSegmenter::chunksForBlock(readme(), 0, 320));
+    }
+    setBytes(state, readme().size());
+}
+BENCHMARK(chunkReadme)->Unit(benchmark::kMicrosecond);
 
 // Made-up words of 3 to 10 letters, plus a few that occur in the prose.
 std::vector<PronunciationRule> dictionary(std::size_t count) {

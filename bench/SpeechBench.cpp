@@ -21,7 +21,11 @@ constexpr std::u16string_view twentyWords =
 class FirstBufferOutput final : public platform::AudioOutput {
 public:
     void setListener(platform::AudioOutputListener* /*listener*/) override {}
-    std::optional<std::string> start(platform::PcmFormat /*format*/) override { return {}; }
+    std::optional<std::string> start(platform::PcmFormat format) override {
+        format_ = format;
+        return {};
+    }
+    std::optional<platform::PcmFormat> format() const override { return format_; }
     platform::AudioBufferId schedule(platform::PcmSamples samples) override {
         if (!first) {
             first = Clock::now();
@@ -39,6 +43,7 @@ public:
 
     std::optional<Clock::time_point> first;
     std::optional<std::string> failure_;
+    std::optional<platform::PcmFormat> format_;
     platform::AudioBufferId count = 0;
 };
 
@@ -48,7 +53,7 @@ void espeakRenderTwentyWords(benchmark::State& state) {
     double audioSeconds = 0;
     for (auto _ : state) {
         platform::SynthesizedSpeech speech =
-            synth.render(twentyWords, synth.defaultVoiceId(), rate);
+            synth.render(twentyWords, synth.defaultVoiceId(), rate).value();
         audioSeconds +=
             platform::secondsOf(platform::frameCount(speech.samples, speech.format), speech.format);
     }

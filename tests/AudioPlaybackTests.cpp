@@ -9,8 +9,10 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTimer>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace lectorbell {
@@ -25,6 +27,7 @@ public:
         : out_{out} {}
     void setListener(platform::AudioOutputListener* l) override { out_.setListener(l); }
     std::optional<std::string> start(platform::PcmFormat f) override { return out_.start(f); }
+    std::optional<platform::PcmFormat> format() const override { return out_.format(); }
     platform::AudioBufferId schedule(PcmSamples samples) override {
         scheduled.insert(scheduled.end(), samples.begin(), samples.end());
         return out_.schedule(std::move(samples));
@@ -57,6 +60,9 @@ public:
         }
     }
     void speechDidCancel(const Uuid& /*id*/) override {}
+    void speechDidFail(const Uuid& /*id*/, const ReadingError& /*error*/) override {
+        QCoreApplication::exit(2);
+    }
     void speechWillSpeak(const Uuid& /*id*/, UTF16Range /*range*/) override { ++words; }
 
     std::size_t expected = 0;
@@ -172,6 +178,42 @@ TEST(AudioPlayback, TwoQueuedChunksArriveInOrderWithNothingAddedBetweenThem) {
     EXPECT_LT(std::abs(pauseOffsetMs), 20.0) << "the pause between the chunks moved";
 }
 
+// Counts what the output reports; leaves the event loop on every failure.
+struct ListenerLog final : platform::AudioOutputListener {
+    void audioBufferDidStart(platform::AudioBufferId /*id*/) override { ++starts; }
+    void audioBufferDidFinish(platform::AudioBufferId /*id*/) override {
+        ++finishes;
+        if (finishes == exitAfterFinishes) {
+            QCoreApplication::exit(0);
+        }
+    }
+    void audioOutputDidFail(const std::string& message) override {
+        failures.push_back(message);
+        QCoreApplication::exit(0);
+    }
+    int starts = 0;
+    int finishes = 0;
+    int exitAfterFinishes = 0;
+    std::vector<std::string> failures;
+};
+
+// Runs the event loop until something exits it, or `ms` have passed (exit code 1).
+int execFor(int ms) {
+    QTimer limit;
+    limit.setSingleShot(true);
+    QObject::connect(&limit, &QTimer::timeout, [] { QCoreApplication::exit(1); });
+    limit.start(ms);
+    return QCoreApplication::exec();
+}
+
+void runEventsFor(int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < ms) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+}
+
 TEST(AudioPlayback, NoSoundServerGivesAClearErrorAtOnce) {
     if (std::getenv("LECTORBELL_EXPECT_NO_AUDIO") == nullptr) {
         LECTORBELL_SKIP_TEST("run with PULSE_SERVER pointing nowhere (see AudioTests.cmake)");
@@ -182,22 +224,99 @@ TEST(AudioPlayback, NoSoundServerGivesAClearErrorAtOnce) {
     EXPECT_EQ(output.start({22050, 1}), std::optional<std::string>{"No audio output device"});
     EXPECT_LT(clock.elapsed(), 5000);
 
-    // Scheduled buffers still complete, so a reading never waits on a missing device.
-    struct Counter final : platform::AudioOutputListener {
-        void audioBufferDidStart(platform::AudioBufferId /*id*/) override { ++starts; }
-        void audioBufferDidFinish(platform::AudioBufferId /*id*/) override {
-            ++finishes;
-            QCoreApplication::exit(0);
-        }
-        int starts = 0;
-        int finishes = 0;
-    } counter;
-    output.setListener(&counter);
+    // Buffers scheduled without a device are reported lost, once, so no reading waits on them.
+    ListenerLog log;
+    output.setListener(&log);
     output.schedule(PcmSamples(100, 1000));
-    QTimer::singleShot(5000, [] { QCoreApplication::exit(1); });
-    EXPECT_EQ(QCoreApplication::exec(), 0);
-    EXPECT_EQ(counter.starts, 1);
-    EXPECT_EQ(counter.finishes, 1);
+    output.schedule(PcmSamples(100, 1000));
+    EXPECT_TRUE(log.failures.empty()) << "never from inside schedule";
+    EXPECT_EQ(execFor(5000), 0);
+    runEventsFor(100);
+    EXPECT_EQ(log.failures, std::vector<std::string>{"No audio output device"});
+    EXPECT_EQ(log.starts, 0);
+    EXPECT_EQ(log.finishes, 0);
+    EXPECT_FALSE(output.isBusy());
+}
+
+// The private server of scripts/with-null-sink, killed as a crashing server dies and started
+// again as it comes back.
+class PrivateSoundServer {
+public:
+    static bool available() { return !dir().isEmpty(); }
+
+    static void kill() {
+        std::ifstream pidFile{(dir() + "/pulse/pid").toStdString()};
+        pid_t pid = 0;
+        ASSERT_TRUE(pidFile >> pid);
+        ASSERT_EQ(::kill(pid, SIGKILL), 0);
+    }
+    static void restart() {
+        ASSERT_TRUE(
+            QProcess::startDetached(qEnvironmentVariable("LECTORBELL_NULL_SINK_SERVER"), {dir()}));
+        auto answers = [] {
+            QProcess pactl;
+            pactl.setStandardOutputFile(QProcess::nullDevice());
+            pactl.setStandardErrorFile(QProcess::nullDevice());
+            pactl.start("pactl", {"info"});
+            return pactl.waitForFinished(5000) && pactl.exitCode() == 0;
+        };
+        QElapsedTimer clock;
+        clock.start();
+        while (!answers()) {
+            ASSERT_LT(clock.elapsed(), 5000) << "the sound server did not come back";
+            runEventsFor(50);
+        }
+    }
+
+private:
+    static QString dir() { return qEnvironmentVariable("LECTORBELL_TEST_PULSE_DIR"); }
+};
+
+TEST(AudioPlayback, ALostDeviceDropsWhatWasNotHeardAndComesBackWithTheServer) {
+    ASSERT_TRUE(PrivateSoundServer::available())
+        << "run under scripts/with-null-sink (see tests/AudioTests.cmake)";
+    platform::audio::QtAudioOutput output;
+    ListenerLog log;
+    output.setListener(&log);
+    const platform::PcmFormat format{22050, 1};
+    ASSERT_EQ(output.start(format), std::nullopt);
+    QElapsedTimer warmUp;
+    warmUp.start();
+    while (!output.isFlowing() && warmUp.elapsed() < 5000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    ASSERT_TRUE(output.isFlowing());
+
+    // Five seconds of sound in half-second buffers; the server dies one second in.
+    constexpr int buffers = 10;
+    for (int i = 0; i < buffers; ++i) {
+        output.schedule(PcmSamples(static_cast<std::size_t>(format.sampleRate / 2), 1000));
+    }
+    QTimer::singleShot(1000, [] { PrivateSoundServer::kill(); });
+    ASSERT_EQ(execFor(15000), 0) << "the failure was not reported";
+    runEventsFor(500);
+    EXPECT_EQ(log.failures, std::vector<std::string>{"No audio output device"});
+    EXPECT_GE(log.finishes, 1) << "what was heard before the failure is reported";
+    EXPECT_LT(log.finishes, buffers) << "buffers that were never heard were reported played";
+    EXPECT_LE(log.starts - log.finishes, 1) << "only the buffer sounding when the server died";
+    EXPECT_EQ(output.failure(), std::optional<std::string>{"No audio output device"});
+    EXPECT_FALSE(output.isBusy());
+
+    // Once the server is back, scheduling opens the device again (Qt reconnects within 3 s).
+    PrivateSoundServer::restart();
+    QElapsedTimer clock;
+    clock.start();
+    const int finishedBefore = log.finishes;
+    log.exitAfterFinishes = finishedBefore + 1;
+    while (log.finishes == finishedBefore && clock.elapsed() < 15000) {
+        output.schedule(PcmSamples(static_cast<std::size_t>(format.sampleRate / 10), 1000));
+        execFor(5000);
+        if (log.finishes == finishedBefore) {
+            runEventsFor(500);
+        }
+    }
+    EXPECT_EQ(log.finishes, finishedBefore + 1) << "the output did not come back";
+    EXPECT_EQ(output.failure(), std::nullopt);
 }
 
 } // namespace

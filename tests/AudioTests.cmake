@@ -7,19 +7,28 @@ target_include_directories(AudioPlaybackTests PRIVATE ${PROJECT_SOURCE_DIR}/test
 add_test(NAME audio.nullSinkPlayback
   COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-null-sink $<TARGET_FILE:AudioPlaybackTests>
           --gtest_filter=AudioPlayback.TwoQueuedChunks*)
+add_test(NAME audio.deviceLost
+  COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-null-sink $<TARGET_FILE:AudioPlaybackTests>
+          --gtest_filter=AudioPlayback.ALostDevice*)
 add_test(NAME audio.noSoundServer
   COMMAND AudioPlaybackTests --gtest_filter=AudioPlayback.NoSoundServer*)
-set_tests_properties(audio.nullSinkPlayback PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 60)
+set_tests_properties(audio.nullSinkPlayback audio.deviceLost PROPERTIES
+  SKIP_RETURN_CODE 77 TIMEOUT 60)
 set_tests_properties(audio.noSoundServer PROPERTIES TIMEOUT 30
   ENVIRONMENT "PULSE_SERVER=unix:/nonexistent/lectorbell/native;LECTORBELL_EXPECT_NO_AUDIO=1")
 
 # The speech verbs through the real binary. WAV output and the error paths need no sound server;
 # playing to a device runs under the private PulseAudio.
+# PREFIX runs the executable through another command.
 function(speech_verb name)
   cmake_parse_arguments(PARSE_ARGV 1 CASE "" "STATUS;STDOUT_MATCH;STDERR_MATCH;WAV;MIN_WAV_BYTES"
-                        "COMMAND")
+                        "COMMAND;PREFIX")
   list(JOIN CASE_COMMAND "$<SEMICOLON>" verb)
-  set(args "-DCOMMAND=$<TARGET_FILE:lectorbell>$<SEMICOLON>${verb}")
+  list(JOIN CASE_PREFIX "$<SEMICOLON>" prefix)
+  if(prefix)
+    string(APPEND prefix "$<SEMICOLON>")
+  endif()
+  set(args "-DCOMMAND=${prefix}$<TARGET_FILE:lectorbell>$<SEMICOLON>${verb}")
   foreach(key STATUS STDOUT_MATCH STDERR_MATCH WAV MIN_WAV_BYTES)
     if(DEFINED CASE_${key})
       list(APPEND args "-D${key}=${CASE_${key}}")
@@ -46,6 +55,16 @@ speech_verb(read-unknown-voice
   COMMAND read --voice no/such-voice --wav ${wav}-voice ${speech_inputs}/read-short.txt
   STDOUT_MATCH "state: completed" STDERR_MATCH "unknown voice, the default voice speaks")
 speech_verb(read-bad-pace COMMAND read --pace warp ${speech_inputs}/read-short.txt STATUS 2)
+# A disk with no room at all, and one that fills up part-way through the reading.
+speech_verb(read-wav-no-room COMMAND read --wav /dev/full ${speech_inputs}/read-short.txt
+  STATUS 1 STDOUT_MATCH "^$" STDERR_MATCH "^lectorbell: cannot write /dev/full: No space left on device\n$")
+speech_verb(read-wav-disk-fills
+  PREFIX ${speech_inputs}/with-file-size-limit.sh 64
+  COMMAND read --wav ${wav}-full ${PROJECT_SOURCE_DIR}/README.md
+  STATUS 1
+  STDOUT_MATCH "state: speaking \\(Reading\\)\nstate: failed \\(No audio output device\\)\nlistened: [0-9]+ words in [0-9.]+ s\n$"
+  STDERR_MATCH "lectorbell: cannot write [^\n]*read.wav-full: File too large\n$"
+  WAV ${wav}-full MIN_WAV_BYTES 20000)
 speech_verb(read-no-device COMMAND read ${speech_inputs}/read-short.txt
   STATUS 5 STDERR_MATCH "No audio output device")
 set_tests_properties(cli.read-no-device PROPERTIES
@@ -70,3 +89,23 @@ add_test(NAME cli.read-interrupted
 set_tests_properties(cli.read-device cli.read-interrupted PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 60)
 set_tests_properties(cli.read-interrupted PROPERTIES
   PASS_REGULAR_EXPRESSION "state: stopped \\(Stopped\\)\nlistened: [0-9]+ words in [0-9.]+ s\nexit 130")
+
+# The sound server dies in the middle of a reading: it fails, and counts only the words heard
+# (a handful, of the hundreds in the file).
+add_test(NAME cli.read-device-lost
+  COMMAND ${PROJECT_SOURCE_DIR}/scripts/with-null-sink ${speech_inputs}/lose-device-read.sh
+          $<TARGET_FILE:lectorbell> ${PROJECT_SOURCE_DIR}/README.md)
+set_tests_properties(cli.read-device-lost PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 60
+  PASS_REGULAR_EXPRESSION "state: failed \\(No audio output device\\)\nlistened: [0-9][0-9]? words in [0-9.]+ s\nlectorbell: No audio output device\nexit 5\n")
+
+# A voice that espeak-ng lists but cannot load fails the reading instead of reading silence.
+find_package(PkgConfig REQUIRED)
+pkg_get_variable(espeak_libdir espeak-ng libdir)
+find_path(LECTORBELL_ESPEAK_NG_DATA phontab
+  PATHS ${espeak_libdir}/espeak-ng-data /usr/share/espeak-ng-data /usr/local/share/espeak-ng-data
+  NO_DEFAULT_PATH)
+add_test(NAME cli.read-voice-unloadable
+  COMMAND ${speech_inputs}/unloadable-voice-read.sh $<TARGET_FILE:lectorbell>
+          ${LECTORBELL_ESPEAK_NG_DATA} ${speech_inputs}/read-short.txt)
+set_tests_properties(cli.read-voice-unloadable PROPERTIES TIMEOUT 60
+  PASS_REGULAR_EXPRESSION "state: failed \\(Selected voice is unavailable\\)\nlistened: 0 words in 0.0 s\nlectorbell: Selected voice is unavailable\nexit 4\n")

@@ -34,3 +34,12 @@ ocr_golden(truncated IMAGE truncated.png STATUS 1 NO_OUTPUT STDERR_MATCH "not a 
 ocr_golden(bad-point IMAGE one-column@1x.png STATUS 1 NO_OUTPUT STDERR_MATCH "--at takes"
            COMMAND ocr --at 12)
 ocr_golden(two-columns-fast IMAGE two-columns@1x.png COMMAND ocr --fast)
+
+# Without its language data the recogniser cannot start: the message names the package.
+set(no_tessdata "${CMAKE_BINARY_DIR}/empty-tessdata")
+file(MAKE_DIRECTORY "${no_tessdata}")
+ocr_golden(no-language-data IMAGE one-column@1x.png STATUS 1 NO_OUTPUT
+           STDERR_MATCH "Install tesseract-ocr-eng to read text on screen" COMMAND ocr)
+ocr_golden(no-language-data-json IMAGE one-column@1x.png STATUS 1 COMMAND ocr --json --at 100,100)
+set_tests_properties(cli.ocr-no-language-data cli.ocr-no-language-data-json
+                     PROPERTIES ENVIRONMENT "TESSDATA_PREFIX=${no_tessdata}")

@@ -1,3 +1,4 @@
+#include "DocumentMarkup.hpp"
 #include "Paragraphs.hpp"
 #include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
@@ -32,6 +33,35 @@ BlockChunker::BlockChunker(std::u16string_view text, std::int64_t blockIndex, st
     , blockIndex_(blockIndex)
     , maxUTF16_(maxUTF16) {}
 
+BlockChunker::BlockChunker(BlockChunker&&) noexcept = default;
+BlockChunker& BlockChunker::operator=(BlockChunker&&) noexcept = default;
+BlockChunker::~BlockChunker() = default;
+
+// The next window of the text as a reader sees it: markdown and HTML are read here, on whole
+// lines, where code blocks and link definitions can still be told apart. A window without any
+// sign of markup is taken as it is.
+std::u16string BlockChunker::readDocument() {
+    const std::size_t from = consumed_;
+    const std::size_t plainEnd = windowEnd(text_, from);
+    std::u16string_view plain = text_.substr(from, plainEnd - from);
+    const bool readMarkup = SpeechCleanup::enabled.load(std::memory_order_relaxed);
+    if (!readMarkup ||
+        ((!reader_ || !reader_->inCodeFence()) && !detail::mayHoldDocumentMarkup(plain))) {
+        if (reader_) {
+            reader_->skipPlain(from, plainEnd);
+        }
+        consumed_ = plainEnd;
+        return std::u16string{plain};
+    }
+    if (!reader_) {
+        reader_ = std::make_unique<detail::DocumentReader>(text_, detail::Layout::lines);
+    }
+    std::u16string window;
+    window.reserve(plain.size());
+    consumed_ = reader_->read(from, from + windowUnits, window);
+    return window;
+}
+
 bool BlockChunker::readWindow() {
     if (consumed_ >= text_.size() && !hasOpenParagraph_) {
         return false;
@@ -48,11 +78,9 @@ bool BlockChunker::readWindow() {
         builder.finish(paragraphs_);
         return true;
     }
-    std::size_t end = windowEnd(text_, consumed_);
-    bool last = end == text_.size();
-    std::u16string window =
-        SpeechCleanup::removingReferenceMarkers(text_.substr(consumed_, end - consumed_));
-    consumed_ = end;
+    std::u16string window = readDocument();
+    bool last = consumed_ == text_.size();
+    window = SpeechCleanup::removingReferenceMarkers(window);
     detail::forEachLine(window, !last,
                         [&](std::u16string_view line) { builder.addLine(line, paragraphs_); });
     if (last) {
@@ -70,7 +98,8 @@ bool BlockChunker::appendNext(std::vector<SpeechChunk>& out) {
             std::size_t before = out.size();
             for (const std::u16string& sentence : TextSegmenter::sentences(paragraph)) {
                 for (std::u16string& piece : TextSegmenter::splitLong(sentence, maxUTF16_)) {
-                    std::u16string spoken = TextSegmenter::speechNormalized(piece);
+                    std::u16string spoken =
+                        detail::speechNormalized(piece, detail::DocumentMarkup::removed);
                     if (!spoken.empty()) {
                         out.push_back({std::move(piece), std::move(spoken), blockIndex_});
                     }

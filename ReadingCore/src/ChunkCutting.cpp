@@ -1,9 +1,9 @@
+#include "DocumentMarkup.hpp"
 #include "GraphemeBreaks.hpp"
 #include "TextClasses.hpp"
 #include "TextTrim.hpp"
 #include "lectorbell/NumberSpeech.hpp"
 #include "lectorbell/Pronunciations.hpp"
-#include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
 
 #include <array>
@@ -60,8 +60,10 @@ bool isInvisible(char32_t c) {
     return c == 0x00AD || c == 0x200B || c == 0xFEFF;
 }
 
+// Chunk texts come from the segmenter, which has already read their document markup.
 SpeechChunk chunkOf(std::u16string_view text, std::int64_t blockIndex) {
-    return SpeechChunk{std::u16string{text}, speechNormalized(text), blockIndex};
+    return SpeechChunk{std::u16string{text},
+                       detail::speechNormalized(text, detail::DocumentMarkup::removed), blockIndex};
 }
 
 } // namespace
@@ -90,13 +92,21 @@ std::vector<std::u16string> splitLong(std::u16string_view text, std::int64_t max
 }
 
 std::u16string speechNormalized(std::u16string_view text) {
+    return detail::speechNormalized(text, detail::DocumentMarkup::present);
+}
+
+} // namespace lectorbell::TextSegmenter
+
+namespace lectorbell::detail {
+
+std::u16string speechNormalized(std::u16string_view text, DocumentMarkup markup) {
     std::u16string collapsed;
     collapsed.reserve(text.size());
     bool lastWasSpace = false;
     for (std::size_t i = 0; i < text.size();) {
         char32_t c = detail::scalarAt(text, i);
         std::size_t width = U16_LENGTH(c);
-        if (isInvisible(c)) {
+        if (TextSegmenter::isInvisible(c)) {
             // Dropped outright: neither text nor a word break.
         } else if (detail::isWhitespaceOrNewline(c)) {
             if (!lastWasSpace && !collapsed.empty()) {
@@ -109,15 +119,19 @@ std::u16string speechNormalized(std::u16string_view text) {
         }
         i += width;
     }
-    std::u16string spoken = SpeechCleanup::clean(detail::trimSpacesAndTabs(collapsed));
+    std::u16string spoken = cleanForSpeech(trimSpacesAndTabs(collapsed), markup);
     spoken = NumberSpeech::normalize(spoken);
     spoken = Pronunciations::apply(spoken);
     std::u16string_view result = spoken;
-    while (!result.empty() && isBullet(result.front())) {
-        result = detail::trimSpacesAndTabs(result.substr(1));
+    while (!result.empty() && TextSegmenter::isBullet(result.front())) {
+        result = trimSpacesAndTabs(result.substr(1));
     }
     return std::u16string{result};
 }
+
+} // namespace lectorbell::detail
+
+namespace lectorbell::TextSegmenter {
 
 std::vector<SpeechChunk> splitLeading(const SpeechChunk& chunk, std::int64_t maxUTF16,
                                       std::int64_t minUTF16) {

@@ -2,6 +2,7 @@
 
 #include "lectorbell/Fatal.hpp"
 
+#include <cmath>
 #include <utility>
 
 namespace lectorbell {
@@ -12,16 +13,23 @@ std::uint64_t monotonicUptimeNanoseconds() {
                                           .count());
 }
 
-Stopwatch::Stopwatch(UptimeClock clock)
-    : clock_(clock ? std::move(clock) : UptimeClock{monotonicUptimeNanoseconds})
-    , start_(clock_()) {}
+Stopwatch::Stopwatch(Uptime uptime)
+    : uptime_(uptime ? std::move(uptime) : Uptime{monotonicUptime})
+    , start_(now()) {}
+
+// Rounded, not truncated: a double of seconds lands a hair either side of the nanosecond it
+// stands for. Uptimes below zero (impossible on a monotonic clock) read as zero.
+std::uint64_t Stopwatch::now() const {
+    double nanoseconds = std::round(uptime_() * 1e9);
+    return nanoseconds > 0 ? static_cast<std::uint64_t>(nanoseconds) : 0;
+}
 
 void Stopwatch::mark(std::string name) {
-    std::uint64_t now = clock_();
-    if (now < start_) {
+    std::uint64_t at = now();
+    if (at < start_) {
         fatalError("Stopwatch mark earlier than its start");
     }
-    marks_.push_back({std::move(name), now});
+    marks_.push_back({std::move(name), at});
 }
 
 std::vector<StageTiming> Stopwatch::timingsMS() const {
@@ -34,11 +42,11 @@ std::vector<StageTiming> Stopwatch::timingsMS() const {
 }
 
 std::int64_t Stopwatch::elapsedMS() const {
-    std::uint64_t now = clock_();
-    if (now < start_) {
+    std::uint64_t at = now();
+    if (at < start_) {
         fatalError("Stopwatch read earlier than its start");
     }
-    return static_cast<std::int64_t>((now - start_) / 1'000'000);
+    return static_cast<std::int64_t>((at - start_) / 1'000'000);
 }
 
 DiagnosticRecord::DiagnosticRecord(std::chrono::system_clock::time_point date, std::string outcome,

@@ -10,10 +10,6 @@ namespace lectorbell {
 
 namespace detail {
 
-bool isLineBreak(char16_t c) {
-    return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
-}
-
 namespace {
 
 // "…x-" where x is a letter: a hyphen that may have been added by wrapping.

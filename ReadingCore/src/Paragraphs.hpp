@@ -29,7 +29,9 @@ private:
     bool hasCurrent_ = false;
 };
 
-bool isLineBreak(char16_t c);
+inline bool isLineBreak(char16_t c) {
+    return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
 
 template <class Visit>
 void forEachLine(std::u16string_view text, bool dropFinalEmpty, Visit visit) {

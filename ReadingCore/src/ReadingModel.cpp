@@ -102,7 +102,8 @@ ReadingEndReason ReadingPayload::naturalEndReason() const {
 
 ReadingError::ReadingError(Kind kind, std::string payload)
     : kind_(kind)
-    , payload_(kind == Kind::appExcluded || kind == Kind::hotkeyRegistrationFailed
+    , payload_(kind == Kind::appExcluded || kind == Kind::hotkeyRegistrationFailed ||
+                       kind == Kind::textRecognitionUnavailable
                    ? std::move(payload)
                    : std::string{}) {}
 
@@ -112,6 +113,10 @@ ReadingError ReadingError::appExcluded(std::string applicationName) {
 
 ReadingError ReadingError::hotkeyRegistrationFailed(std::string shortcutText) {
     return ReadingError{Kind::hotkeyRegistrationFailed, std::move(shortcutText)};
+}
+
+ReadingError ReadingError::textRecognitionUnavailable(std::string package) {
+    return ReadingError{Kind::textRecognitionUnavailable, std::move(package)};
 }
 
 std::string ReadingError::userMessage() const {
@@ -144,6 +149,10 @@ std::string ReadingError::userMessage() const {
         return "The app didn't respond in time \u2014 try again";
     case Kind::speechUnavailable:
         return "Selected voice is unavailable";
+    case Kind::audioOutputUnavailable:
+        return "No audio output device";
+    case Kind::textRecognitionUnavailable:
+        return "Install " + payload_ + " to read text on screen";
     }
     return {};
 }

@@ -3,7 +3,6 @@
 #include "lectorbell/ListeningStats.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace lectorbell {
@@ -42,16 +41,11 @@ void extendChunks(std::vector<SpeechChunk>& chunks, std::optional<BlockChunker>&
 
 } // namespace
 
-double ReadingSession::monotonicSeconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 ReadingSession::ReadingSession(SpeechSynthesizing& synth, std::int64_t lookahead,
                                UptimeSeconds uptime)
     : synth_(synth)
     , lookahead_(std::max<std::int64_t>(lookahead, 0))
-    , uptime_(uptime ? std::move(uptime) : UptimeSeconds{monotonicSeconds}) {
+    , uptime_(uptime ? std::move(uptime) : UptimeSeconds{monotonicUptime}) {
     synth_.setDelegate(this);
 }
 
@@ -203,6 +197,10 @@ void ReadingSession::fail(ReadingError error, std::int64_t generation) {
     if (generation != generation_) {
         return;
     }
+    endFailed(std::move(error));
+}
+
+void ReadingSession::endFailed(ReadingError error) {
     reportPartialHead();
     silence();
     transition(SessionState::failed(std::move(error)));
@@ -337,6 +335,14 @@ void ReadingSession::speechDidCancel(const Uuid& id) {
                               [&id](const InFlight& entry) { return entry.id == id; });
     if (found != inFlight_.end()) {
         inFlight_.erase(found);
+    }
+}
+
+void ReadingSession::speechDidFail(const Uuid& id, const ReadingError& error) {
+    const bool inFlight = std::any_of(inFlight_.begin(), inFlight_.end(),
+                                      [&id](const InFlight& entry) { return entry.id == id; });
+    if (inFlight) {
+        endFailed(error);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "lectorbell/SpeechCleanup.hpp"
 
+#include "DocumentMarkup.hpp"
 #include "GuardedRegex.hpp"
 #include "ReferenceMarkers.hpp"
 #include "SymbolFilter.hpp"
@@ -87,13 +88,8 @@ void readPipeTable(icu::UnicodeString& text) {
     detail::rewriteAll(text, pipeCells(), owner);
 }
 
-} // namespace
-
-std::u16string clean(std::u16string_view text) {
-    if (!enabled.load(std::memory_order_relaxed) || text.empty() ||
-        !detail::needsCleanupAttention(text) || !detail::fitsIcu(text)) {
-        return std::u16string{text};
-    }
+// The rules from links on, for a text that needs them.
+std::u16string applyRules(std::u16string_view text) {
     icu::UnicodeString working = detail::readOnlyAlias(text);
     for (const RegexRewrite& rule : markupRewrites()) {
         detail::rewriteAll(working, rule, owner);
@@ -111,6 +107,12 @@ std::u16string clean(std::u16string_view text) {
     return detail::toU16(working);
 }
 
+} // namespace
+
+std::u16string clean(std::u16string_view text) {
+    return detail::cleanForSpeech(text, detail::DocumentMarkup::present);
+}
+
 std::u16string removingReferenceMarkers(std::u16string_view text) {
     if (!enabled.load(std::memory_order_relaxed)) {
         return std::u16string{text};
@@ -119,3 +121,28 @@ std::u16string removingReferenceMarkers(std::u16string_view text) {
 }
 
 } // namespace lectorbell::SpeechCleanup
+
+namespace lectorbell::detail {
+
+std::u16string cleanForSpeech(std::u16string_view text, DocumentMarkup markup) {
+    if (!SpeechCleanup::enabled.load(std::memory_order_relaxed) || text.empty() ||
+        !mayNeedCleanup(text) || !fitsIcu(text)) {
+        return std::u16string{text};
+    }
+    const CleanupNeeds needs = cleanupNeeds(text);
+    if (markup == DocumentMarkup::present && needs.documentMarkup) {
+        // Markdown and HTML first, so that no address inside a markdown link is read as a link.
+        std::u16string visible = removeDocumentMarkup(text, Layout::flat);
+        if (visible == text && !needs.attention) {
+            return visible;
+        }
+        // The rules also tidy the spacing that removed markup leaves behind.
+        return SpeechCleanup::applyRules(visible);
+    }
+    if (!needs.attention) {
+        return std::u16string{text};
+    }
+    return SpeechCleanup::applyRules(text);
+}
+
+} // namespace lectorbell::detail

@@ -1,6 +1,7 @@
 #include "SymbolFilter.hpp"
 
 #include "Characters.hpp"
+#include "DocumentMarkup.hpp"
 #include "lectorbell/SpeechCleanup.hpp"
 
 #include <algorithm>
@@ -67,7 +68,15 @@ bool looksLikeEmoji(std::u16string_view character) {
 struct CharacterClass {
     bool keep = false;
     bool attention = false;
+    bool documentMarkup = false;
+    // Either of the two above: the one test of the fast path.
+    bool notice = false;
 };
+
+CharacterClass characterClass(bool keep, bool markupHint, bool documentHint) {
+    return CharacterClass{keep, !keep || markupHint, documentHint,
+                          !keep || markupHint || documentHint};
+}
 
 // Precomputed answers for the characters prose is made of: ASCII, Latin-1 and Latin Extended
 // letters, and general punctuation (curly quotes, dashes). They come from the same rules.
@@ -93,7 +102,8 @@ const CommonClasses& commonClasses() {
         auto fill = [&](char16_t from, char16_t to) {
             for (char16_t c = from; c < to; ++c) {
                 bool kept = SpeechCleanup::keep(std::u16string_view{&c, 1});
-                t[*commonIndex(c)] = CharacterClass{kept, !kept || contains(markupHints, c)};
+                t[*commonIndex(c)] = characterClass(kept, contains(markupHints, c),
+                                                    contains(detail::documentMarkupHints, c));
             }
         };
         fill(0, latinEnd);
@@ -109,9 +119,11 @@ CharacterClass classify(const CommonClasses& common, std::u16string_view charact
             return common[*index];
         }
     }
-    // Markup hints are ASCII, and no longer character is canonically equivalent to ASCII.
+    // Markup hints are ASCII, and no longer character is canonically equivalent to ASCII. The
+    // document markup reading goes by units, so an ASCII first unit still counts for it.
     bool kept = SpeechCleanup::keep(character);
-    return CharacterClass{kept, !kept};
+    return characterClass(
+        kept, false, !character.empty() && contains(detail::documentMarkupHints, character[0]));
 }
 
 } // namespace
@@ -141,13 +153,13 @@ bool SpeechCleanup::keep(std::u16string_view character) {
 
 namespace detail {
 
-bool needsCleanupAttention(std::u16string_view text) {
+bool mayNeedCleanup(std::u16string_view text) {
     const CommonClasses& common = commonClasses();
     // Plain prose is mostly ASCII, where every unit is a whole character unless a combining
     // mark or the like follows it: a table lookup per unit until the first non-ASCII unit.
     std::size_t i = 0;
     for (; i < text.size() && text[i] < 128; ++i) {
-        if (common[text[i]].attention) {
+        if (common[text[i]].notice) {
             if (i + 1 == text.size() || text[i + 1] < 128) {
                 return true;
             }
@@ -160,9 +172,42 @@ bool needsCleanupAttention(std::u16string_view text) {
     std::size_t from = text[i] < 128 ? i : asciiRunHandover(text, i);
     bool calm =
         forEachCharacter(text.substr(from), [&](std::u16string_view character, std::size_t) {
-            return !classify(common, character).attention;
+            return !classify(common, character).notice;
         });
     return !calm;
+}
+
+CleanupNeeds cleanupNeeds(std::u16string_view text) {
+    const CommonClasses& common = commonClasses();
+    CleanupNeeds needs;
+    std::size_t i = 0;
+    for (; i < text.size() && text[i] < 128; ++i) {
+        const CharacterClass& c = common[text[i]];
+        if (!c.attention && !c.documentMarkup) {
+            continue;
+        }
+        needs.documentMarkup = needs.documentMarkup || c.documentMarkup;
+        if (c.attention && !needs.attention) {
+            if (i + 1 < text.size() && text[i + 1] >= 128) {
+                break;
+            }
+            needs.attention = true;
+        }
+        if (needs.attention && needs.documentMarkup) {
+            return needs;
+        }
+    }
+    if (i == text.size()) {
+        return needs;
+    }
+    std::size_t from = text[i] < 128 ? i : asciiRunHandover(text, i);
+    forEachCharacter(text.substr(from), [&](std::u16string_view character, std::size_t) {
+        CharacterClass c = classify(common, character);
+        needs.attention = needs.attention || c.attention;
+        needs.documentMarkup = needs.documentMarkup || c.documentMarkup;
+        return !(needs.attention && needs.documentMarkup);
+    });
+    return needs;
 }
 
 std::u16string filterSymbols(std::u16string_view text) {

@@ -117,6 +117,9 @@ TEST(ReadingModel, ErrorMessagesAreExact) {
          "The text changed before it could be read \u2014 try again"},
         {ReadingError{Kind::appNotResponding}, "The app didn't respond in time \u2014 try again"},
         {ReadingError{Kind::speechUnavailable}, "Selected voice is unavailable"},
+        {ReadingError{Kind::audioOutputUnavailable}, "No audio output device"},
+        {ReadingError::textRecognitionUnavailable("tesseract-ocr-eng"),
+         "Install tesseract-ocr-eng to read text on screen"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(c.error.userMessage(), c.message);

@@ -1,5 +1,6 @@
 #include "lectorbell/ReadingSession.hpp"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace lectorbell {
@@ -231,6 +232,70 @@ TEST(ReadingSession, ListeningTime) {
     // Nothing sounded: nothing reported.
     h.session.beginPreparing();
     EXPECT_EQ(h.listened.size(), 2U);
+}
+
+TEST(ReadingSession, AFailedUtteranceEndsTheReadingWithOnlyHeardWordsCounted) {
+    using Listened = std::vector<std::pair<std::int64_t, double>>;
+    const ReadingError unavailable{ReadingError::Kind::speechUnavailable};
+    struct Case {
+        const char* name;
+        // Drives the reading of "Alpha beta gamma delta." and "Next one." up to the failure and
+        // returns the id that fails.
+        std::function<Uuid(Harness&)> run;
+        Listened listened;
+    };
+    const Case cases[] = {
+        {"cut inside the head: two words heard, the third only begun",
+         [](Harness& h) {
+             h.session.speechDidStart(h.id(0));
+             h.session.speechWillSpeak(h.id(0), {11, 5});
+             h.now += 1.5;
+             return h.id(0);
+         },
+         {{2, 1.5}}},
+        {"the queued utterance fails before the head has sounded",
+         [](Harness& h) { return h.id(1); },
+         {}},
+        {"the head finished, then its successor fails",
+         [](Harness& h) {
+             h.session.speechDidStart(h.id(0));
+             h.now += 2.0;
+             h.session.speechDidFinish(h.id(0));
+             return h.id(1);
+         },
+         {{4, 2.0}}},
+        {"while paused",
+         [](Harness& h) {
+             h.session.pause();
+             return h.id(0);
+         },
+         {}},
+    };
+    for (const Case& c : cases) {
+        Harness h;
+        h.startWith({u"Alpha beta gamma delta. Next one."});
+        const Uuid failing = c.run(h);
+        const std::size_t spoken = h.synth.spoken.size();
+        h.session.speechDidFail(failing, unavailable);
+        EXPECT_EQ(h.session.state(), SessionState::failed(unavailable)) << c.name;
+        EXPECT_EQ(h.listened, c.listened) << c.name;
+        EXPECT_EQ(h.synth.spoken.size(), spoken) << c.name << ": nothing more is spoken";
+        EXPECT_EQ(h.synth.stops, 2) << c.name << ": beginPreparing, then the failure";
+        EXPECT_FALSE(h.session.currentChunkIndex()) << c.name;
+    }
+}
+
+TEST(ReadingSession, FailuresOfUtterancesNotInFlightAreIgnored) {
+    Harness h;
+    h.startWith({u"One. Two. Three."});
+    const Uuid cancelled = h.id(1);
+    h.session.speechDidCancel(cancelled);
+    for (const Uuid& id : {cancelled, Uuid::random()}) {
+        h.session.speechDidFail(id, ReadingError{ReadingError::Kind::speechUnavailable});
+    }
+    EXPECT_EQ(h.session.state().kind(), Kind::speaking);
+    h.finish(0);
+    EXPECT_EQ(h.spokenText(2), u"Three.");
 }
 
 TEST(ReadingSession, PauseResumeAndReset) {

@@ -46,7 +46,8 @@ int printError(const ReadingError& error, bool json) {
     } else {
         std::cerr << "lectorbell: " << error.userMessage() << '\n';
     }
-    return readingFailed;
+    return error.kind() == ReadingError::Kind::textRecognitionUnavailable ? unusableInput
+                                                                          : readingFailed;
 }
 
 int printSelection(const std::optional<std::u16string>& selected, bool json) {

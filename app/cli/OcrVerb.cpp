@@ -58,11 +58,17 @@ int runOcr(platform::Platform& platform, const OcrOptions& options) {
     }
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
     std::unique_ptr<platform::TextRecognizer> recognizer = platform.textRecognizer();
-    platform::Recognition recognition =
-        recognizer->recognize(pixels, options.fast ? platform::RecognitionMode::fast
-                                                   : platform::RecognitionMode::accurate);
+    platform::Recognition recognition = recognizer->recognize(
+        pixels,
+        options.fast ? platform::RecognitionMode::fast : platform::RecognitionMode::accurate, {});
     if (recognition.failure) {
-        std::cerr << "lectorbell: recognition failed: " << *recognition.failure << '\n';
+        const platform::RecognitionFailure& failure = *recognition.failure;
+        if (failure.kind == platform::RecognitionFailure::Kind::engineUnavailable &&
+            !failure.missingPackage.empty()) {
+            return printError(ReadingError::textRecognitionUnavailable(failure.missingPackage),
+                              options.json);
+        }
+        std::cerr << "lectorbell: recognition failed: " << failure.detail << '\n';
         return unusableInput;
     }
     if (options.selection) {

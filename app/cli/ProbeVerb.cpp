@@ -21,9 +21,8 @@ struct ProbeOptions {
 ProbeReport probe(platform::Platform& platform, ScreenPoint point, const ProbeOptions& options) {
     ProbeReport report;
     auto started = std::chrono::steady_clock::now();
-    WalkContext context{[] { return std::chrono::steady_clock::now(); },
-                        [&report](std::string_view line) { report.trace.emplace_back(line); },
-                        false};
+    WalkContext context{steadyClock(),
+                        [&report](std::string_view line) { report.trace.emplace_back(line); }};
     std::unique_ptr<AccessibilityDesktop> accessibility = platform.accessibilityDesktop();
     AccessibilityDesktop& desktop = *accessibility;
     AccessibilityExtractor extractor{desktop, ExtractorConfig{}, context};

@@ -60,6 +60,9 @@ public:
     }
     void speechDidFinish(const Uuid& id) override { session_.speechDidFinish(id); }
     void speechDidCancel(const Uuid& id) override { session_.speechDidCancel(id); }
+    void speechDidFail(const Uuid& id, const ReadingError& error) override {
+        session_.speechDidFail(id, error);
+    }
     void speechWillSpeak(const Uuid& id, UTF16Range range) override {
         session_.speechWillSpeak(id, range);
     }
@@ -175,18 +178,22 @@ int runRead(platform::Platform& platform, const ReadOptions& options) {
     }
 
     std::printf("listened: %lld words in %.1f s\n", static_cast<long long>(words), seconds);
-    if (device != nullptr && device->failure()) {
-        std::cerr << "lectorbell: " << *device->failure() << '\n';
-        return exitNoAudioDevice;
+    std::fflush(stdout);
+    const SessionState& state = session.state();
+    if (state.kind() == SessionState::Kind::failed && output->failure()) {
+        // The output's own words say more than the session's "voice is unavailable".
+        std::cerr << "lectorbell: " << *output->failure() << '\n';
+        return device != nullptr ? exitNoAudioDevice : 1;
     }
-    switch (session.state().kind()) {
+    switch (state.kind()) {
     case SessionState::Kind::completed:
         return 0;
     case SessionState::Kind::stopped:
         return exitInterrupted;
     case SessionState::Kind::failed:
-        std::cerr << "lectorbell: " << session.state().error()->userMessage() << '\n';
-        return exitNoReadableText;
+        std::cerr << "lectorbell: " << state.error()->userMessage() << '\n';
+        return state.error()->kind() == ReadingError::Kind::speechUnavailable ? exitVoiceUnavailable
+                                                                              : exitNoReadableText;
     default:
         return 1;
     }

@@ -70,6 +70,7 @@ int runScreenOcr(platform::Platform& platform, ScreenPoint at, bool selection, b
         return ocr::printError(ReadingError{ReadingError::Kind::noExternalWindow}, json);
     }
     sources::ScreenOCR reader{capturer, [&platform] { return platform.textRecognizer(); }};
+    // Nothing here cancels a lookup: every outcome is a result or an error.
     if (selection) {
         sources::ScreenOutcome outcome = reader.recognizeWithPixels(*window, std::nullopt).get();
         if (const auto* error = std::get_if<ReadingError>(&outcome)) {
@@ -80,13 +81,13 @@ int runScreenOcr(platform::Platform& platform, ScreenPoint at, bool selection, b
             VisualSelection::selectedText(recognition.lines, *recognition.image), json);
     }
     sources::ScreenReader bands{reader};
-    auto first = bands.readBand(*window, at);
+    sources::BandOutcome first = bands.readBand(*window, at);
     if (const auto* error = std::get_if<ReadingError>(&first)) {
         return ocr::printError(*error, json);
     }
     const auto& band = std::get<sources::BandReading>(first);
     std::uint64_t start = monotonicUptimeNanoseconds();
-    auto rest = bands.readRest(band);
+    sources::RestOutcome rest = bands.readRest(band);
     auto restMS = static_cast<std::int64_t>((monotonicUptimeNanoseconds() - start) / 1'000'000);
     std::vector<ReadingBlock> added;
     if (auto* blocks = std::get_if<std::vector<ReadingBlock>>(&rest)) {

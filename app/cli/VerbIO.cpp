@@ -84,6 +84,7 @@ nlohmann::ordered_json pointsNumber(double value) {
 
 std::vector<std::string> paceNames() {
     std::vector<std::string> names;
+    names.reserve(allPacePresets.size());
     for (PacePreset preset : allPacePresets) {
         names.emplace_back(rawValue(preset));
     }

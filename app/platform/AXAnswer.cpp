@@ -6,8 +6,6 @@ int errorCode(AXFailure failure) {
     switch (failure) {
     case AXFailure::absent:
         return -25212; // no value
-    case AXFailure::busy:
-        return -25200; // failure
     case AXFailure::timedOut:
         return -25204; // cannot complete
     }

@@ -6,14 +6,13 @@
 
 namespace lectorbell {
 
-// Why another application's accessibility call gave no value. The extractor retries a busy
-// answer once, gives up on a time-out (the app is hung: further calls would only add up), and
-// treats a plain absence as "not there".
+// Why another application's accessibility call gave no value. The extractor gives up on a
+// time-out (the app is hung: further calls would only add up) and treats a plain absence as
+// "not there".
 enum class AXFailure {
-    // The attribute or element does not exist, or the element is gone.
+    // The attribute or element does not exist, the element is gone, or the application answered
+    // with an error.
     absent,
-    // The application answered with a transient error; one retry may succeed.
-    busy,
     // The application did not answer within the messaging time-out.
     timedOut,
 };

@@ -3,8 +3,11 @@
 #include "lectorbell/PixelBuffer.hpp"
 #include "platform/AccessibilityApp.hpp"
 #include "platform/AudioOutput.hpp"
+#include "platform/HotkeyService.hpp"
 #include "platform/PlatformSynthesizer.hpp"
+#include "platform/Scheduler.hpp"
 #include "platform/ScreenCapturer.hpp"
+#include "platform/SystemServices.hpp"
 #include "platform/SecretStore.hpp"
 #include "platform/SettingsStore.hpp"
 #include "platform/TextRecognizer.hpp"
@@ -51,6 +54,15 @@ public:
     virtual std::unique_ptr<AudioOutput> audioOutput() = 0;
     // The user's preferred languages as BCP-47 tags, most preferred first.
     virtual std::vector<std::string> preferredLanguages() = 0;
+
+    // The main queue and its clock. Make it on the main thread, once the application's event
+    // loop object exists.
+    virtual std::unique_ptr<Scheduler> scheduler() = 0;
+    // Global keys, their events delivered through `scheduler`, which must outlive the service;
+    // none when there is no display to take keys from.
+    virtual std::unique_ptr<HotkeyService> hotkeyService(Scheduler& scheduler) = 0;
+    // The pointer, the applications behind windows, permissions and the application's sounds.
+    virtual std::unique_ptr<SystemServices> systemServices() = 0;
 
     // The user's settings ("user defaults").
     virtual std::unique_ptr<SettingsStore> settingsStore(WatchOtherProcesses watch) = 0;

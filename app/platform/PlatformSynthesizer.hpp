@@ -55,9 +55,10 @@ public:
     // The format of everything render returns.
     virtual PcmFormat format() const = 0;
     // Renders `text` with the voice `voiceId` (the default voice when it is unknown) at `rate`
-    // (clamped to the scale above). A failure of the voice gives no samples and is logged.
-    virtual SynthesizedSpeech render(std::u16string_view text, const std::string& voiceId,
-                                     float rate) = 0;
+    // (clamped to the scale above). None when the voice fails (logged); a text with nothing to
+    // say, such as punctuation alone, renders to silence or to no samples at all.
+    virtual std::optional<SynthesizedSpeech> render(std::u16string_view text,
+                                                    const std::string& voiceId, float rate) = 0;
 };
 
 } // namespace lectorbell::platform

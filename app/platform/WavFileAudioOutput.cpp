@@ -1,5 +1,7 @@
 #include "platform/WavFileAudioOutput.hpp"
 
+#include "lectorbell/CoreLog.hpp"
+
 #include <array>
 #include <bit>
 #include <cerrno>
@@ -9,12 +11,22 @@ namespace lectorbell::platform {
 
 namespace {
 
-void putLittleEndian(std::ofstream& file, std::uint32_t value, int bytes) {
-    std::array<char, 4> out{};
+constexpr std::size_t headerBytes = 44;
+
+// Puts `value` at `at` as `bytes` little-endian bytes.
+void putLittleEndian(std::array<char, headerBytes>& header, std::size_t at, std::uint32_t value,
+                     int bytes) {
     for (int i = 0; i < bytes; ++i) {
-        out[static_cast<std::size_t>(i)] = static_cast<char>((value >> (8 * i)) & 0xFF);
+        header.at(at + static_cast<std::size_t>(i)) = static_cast<char>((value >> (8 * i)) & 0xFF);
     }
-    file.write(out.data(), bytes);
+}
+
+std::string cannotWrite(const std::string& path, int error) {
+    std::string message = "cannot write " + path;
+    if (error != 0) {
+        message += std::string{": "} + std::strerror(error);
+    }
+    return message;
 }
 
 } // namespace
@@ -31,45 +43,101 @@ WavFileAudioOutput::~WavFileAudioOutput() {
 
 std::optional<std::string> WavFileAudioOutput::start(PcmFormat format) {
     format_ = format;
+    // Unbuffered: a write that fails leaves nothing pending, so the header can still be
+    // completed, and each buffer reaches the file in one write.
+    file_.rdbuf()->pubsetbuf(nullptr, 0);
+    errno = 0;
     file_.open(path_, std::ios::binary | std::ios::trunc);
     if (!file_) {
-        return "cannot write " + path_ + ": " + std::strerror(errno);
+        failure_ = cannotWrite(path_, errno);
+        return failure_;
     }
     writeHeader(0);
+    // A file that takes nothing (a full disk) is found before reading starts.
+    if (!flushed()) {
+        file_.close();
+        return failure_;
+    }
     return std::nullopt;
+}
+
+bool WavFileAudioOutput::flushed() {
+    file_.flush();
+    if (!file_) {
+        // errno was cleared before the writes; the failed one set it.
+        failure_ = cannotWrite(path_, errno);
+        return false;
+    }
+    return true;
 }
 
 void WavFileAudioOutput::writeHeader(std::uint32_t dataBytes) {
     const auto channels = static_cast<std::uint32_t>(format_.channels);
     const auto rate = static_cast<std::uint32_t>(format_.sampleRate);
+    std::array<char, headerBytes> header{};
+    std::memcpy(header.data(), "RIFF", 4);
+    putLittleEndian(header, 4, 36 + dataBytes, 4);
+    std::memcpy(header.data() + 8, "WAVEfmt ", 8);
+    putLittleEndian(header, 16, 16, 4); // size of the format chunk
+    putLittleEndian(header, 20, 1, 2);  // integer PCM
+    putLittleEndian(header, 22, channels, 2);
+    putLittleEndian(header, 24, rate, 4);
+    putLittleEndian(header, 28, rate * channels * 2, 4); // bytes per second
+    putLittleEndian(header, 32, channels * 2, 2);        // bytes per frame
+    putLittleEndian(header, 34, 16, 2);                  // bits per sample
+    std::memcpy(header.data() + 36, "data", 4);
+    putLittleEndian(header, 40, dataBytes, 4);
     file_.seekp(0);
-    file_.write("RIFF", 4);
-    putLittleEndian(file_, 36 + dataBytes, 4);
-    file_.write("WAVEfmt ", 8);
-    putLittleEndian(file_, 16, 4); // size of the format chunk
-    putLittleEndian(file_, 1, 2);  // integer PCM
-    putLittleEndian(file_, channels, 2);
-    putLittleEndian(file_, rate, 4);
-    putLittleEndian(file_, rate * channels * 2, 4); // bytes per second
-    putLittleEndian(file_, channels * 2, 2);        // bytes per frame
-    putLittleEndian(file_, 16, 2);                  // bits per sample
-    file_.write("data", 4);
-    putLittleEndian(file_, dataBytes, 4);
+    file_.write(header.data(), static_cast<std::streamsize>(header.size()));
     file_.seekp(0, std::ios::end);
 }
 
 void WavFileAudioOutput::close() {
-    if (file_.is_open()) {
-        writeHeader(static_cast<std::uint32_t>(dataBytes_));
-        file_.close();
+    if (!file_.is_open()) {
+        return;
+    }
+    // After a failed write the stream refuses everything until cleared; the header is written
+    // over the old one, so it fits even on a full disk.
+    file_.clear();
+    writeHeader(static_cast<std::uint32_t>(dataBytes_));
+    file_.close();
+    if (!file_) {
+        coreLog("lectorbell.reading", "audio: the WAV header could not be completed");
     }
 }
 
 AudioBufferId WavFileAudioOutput::schedule(PcmSamples samples) {
     AudioBufferId id = ++lastId_;
+    if (failure_) {
+        if (!failureReportPending_) {
+            reportFailureLater();
+        }
+        return id;
+    }
     queue_.push_back({id, std::move(samples)});
     postPlay();
     return id;
+}
+
+void WavFileAudioOutput::reportFailureLater() {
+    failureReportPending_ = true;
+    post_([self = self_, message = *failure_] {
+        if (*self == nullptr) {
+            return;
+        }
+        (*self)->failureReportPending_ = false;
+        if ((*self)->listener_ != nullptr) {
+            (*self)->listener_->audioOutputDidFail(message);
+        }
+    });
+}
+
+void WavFileAudioOutput::fail() {
+    queue_.clear();
+    close();
+    if (listener_ != nullptr) {
+        listener_->audioOutputDidFail(*failure_);
+    }
 }
 
 void WavFileAudioOutput::postPlay() {
@@ -93,9 +161,15 @@ void WavFileAudioOutput::playNext() {
     queue_.pop_front();
     if (file_.is_open()) {
         static_assert(std::endian::native == std::endian::little, "WAV data is little-endian");
+        const std::size_t bytes = next.samples.size() * sizeof(std::int16_t);
+        errno = 0;
         file_.write(reinterpret_cast<const char*>(next.samples.data()),
-                    static_cast<std::streamsize>(next.samples.size() * sizeof(std::int16_t)));
-        dataBytes_ += next.samples.size() * sizeof(std::int16_t);
+                    static_cast<std::streamsize>(bytes));
+        if (!flushed()) {
+            fail();
+            return;
+        }
+        dataBytes_ += bytes;
     }
     playedFrames_ += frameCount(next.samples, format_);
     auto self = self_;

@@ -12,11 +12,12 @@
 
 namespace lectorbell {
 
-// The text at the pointer: a result, nothing readable (the caller falls back to OCR), or an
-// error for the user.
+// The text at the pointer: a result, nothing readable (the caller falls back to OCR), an error
+// for the user, or a lookup cancelled on the way (neither result nor error).
 struct CursorOutcome {
     std::optional<AXCursorResult> result;
     std::optional<ReadingError> error;
+    bool cancelled = false;
 };
 
 // What is highlighted in the frontmost application, and the Google Docs hint to show when
@@ -34,12 +35,15 @@ public:
     AccessibilityExtractor(AccessibilityDesktop& desktop, ExtractorConfig config,
                            WalkContext context);
 
-    CursorOutcome extractAtCursor(ProcessID pid, ScreenPoint point, bool quick);
+    // Stops between calls into the application once `cancel` is cancelled, and then gives
+    // neither result nor error (one trace line says so).
+    CursorOutcome extractAtCursor(ProcessID pid, ScreenPoint point, bool quick,
+                                  CancelToken cancel = {});
 
     // What is highlighted in the frontmost application.
     SelectionLookup observeSelection(ProcessID frontPID, ScreenPoint point);
 
-    // The deepest element at the point, with one retry on a transient failure.
+    // The deepest element at the point.
     AXAnswer<ElementRef> hitTest(AccessibilityApp& app, ScreenPoint point);
 
     const WalkContext& context() const { return context_; }

@@ -40,6 +40,11 @@ void traceLeaf(const Leaf& leaf, const WalkContext& context) {
 
 void collect(const ElementRef& element, std::vector<Leaf>& leaves, WalkBudget& budget,
              CollectOptions options, const WalkContext& context) {
+    if (context.cancelled()) {
+        // Unwinds the walk as a spent budget would; the lookup then drops what was collected.
+        budget.exhausted = true;
+        return;
+    }
     if (budget.exhausted || options.depth > maxCollectDepth) {
         return;
     }
@@ -140,7 +145,7 @@ void forwardWalk(const ElementRef& leaf, const ElementRef& root, std::vector<Lea
     }
     ElementRef current = leaf;
     // Bounded like every chain: a cyclic parent chain must not loop forever.
-    for (int level = 0; level < 60 && !budget.exhausted; ++level) {
+    for (int level = 0; level < 60 && !budget.exhausted && !context.cancelled(); ++level) {
         AXAnswer<ElementRef> parentAnswer = current->parent();
         if (!parentAnswer || !*parentAnswer) {
             return;

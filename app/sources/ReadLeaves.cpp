@@ -66,12 +66,13 @@ AccessibilityExtractor::readLeaves(const ElementRef& hit, const std::vector<Elem
             pointed = candidates[*best];
         }
     }
-    if (!pointed) {
+    if (!pointed || context_.cancelled()) {
         return std::nullopt;
     }
 
     // A hit test can land in a sidebar while the aligned text belongs to the article.
-    std::vector<ElementRef> leafChain = TreeQueries::ancestors(pointed->element, 60);
+    std::vector<ElementRef> leafChain = TreeQueries::ancestors(
+        pointed->element, 60, TreeQueries::StopAt::applicationRole, &context_.cancel);
     if (ElementRef rescoped = TreeQueries::contentRoot(leafChain);
         rescoped && !rescoped->isSame(*root)) {
         root = rescoped;
@@ -79,6 +80,9 @@ AccessibilityExtractor::readLeaves(const ElementRef& hit, const std::vector<Elem
                        " around the aligned text");
     }
 
+    if (context_.cancelled()) {
+        return std::nullopt;
+    }
     for (std::size_t i = 1; i < leafChain.size() && i <= rowSearchLimit; ++i) {
         if (!TreeQueries::hasRole(*leafChain[i], "AXRow")) {
             continue;
@@ -117,6 +121,9 @@ AccessibilityExtractor::readLeaves(const ElementRef& hit, const std::vector<Elem
         anchor = AnchorResolver::resolve(pointed->text, *offset, sourcePrecision);
     }
 
+    if (context_.cancelled()) {
+        return std::nullopt;
+    }
     std::vector<Leaf> following;
     LeafWalk::forwardWalk(pointed->element, root, following, walk, context_);
 

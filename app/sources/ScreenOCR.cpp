@@ -25,6 +25,24 @@ ReadingError errorFor(const platform::CaptureFailure& failure) {
                             : ReadingError::Kind::ocrFoundNothing};
 }
 
+ScreenOutcome outcomeOf(const platform::Recognition& result,
+                        const std::shared_ptr<const PixelBuffer>& image, bool keepImage) {
+    using Kind = platform::RecognitionFailure::Kind;
+    if (!result.failure) {
+        return ScreenRecognition{wordsOf(result.lines), result.lines, keepImage ? image : nullptr};
+    }
+    const platform::RecognitionFailure& failure = *result.failure;
+    if (failure.kind == Kind::cancelled) {
+        // Whoever cancelled logs it, once for the whole lookup.
+        return Cancelled{};
+    }
+    coreLog("ocr", "recognition: failed (" + failure.detail + ")");
+    if (failure.kind == Kind::engineUnavailable && !failure.missingPackage.empty()) {
+        return ReadingError::textRecognitionUnavailable(failure.missingPackage);
+    }
+    return ReadingError{ReadingError::Kind::ocrFoundNothing};
+}
+
 } // namespace
 
 std::vector<OCRWord> wordsOf(const std::vector<OCRLine>& lines) {
@@ -59,7 +77,7 @@ std::variant<PixelBuffer, ReadingError> ScreenOCR::capture(const platform::Targe
 }
 
 std::future<ScreenOutcome> ScreenOCR::recognizeText(std::shared_ptr<const PixelBuffer> image,
-                                                    bool fast, bool keepImage) {
+                                                    bool fast, bool keepImage, CancelToken cancel) {
     // White text on a dark highlight vanishes in recognition unless it is turned dark on light.
     auto readable = std::make_shared<PixelBuffer>(*image);
     if (ScreenBands::invertDarkSelections(*readable) == 0) {
@@ -70,24 +88,22 @@ std::future<ScreenOutcome> ScreenOCR::recognizeText(std::shared_ptr<const PixelB
         std::lock_guard lock{lastImageMutex_};
         lastImage_ = image;
     }
+    const auto deadline =
+        std::chrono::steady_clock::now() + (fast ? fastDeadline : accurateDeadline);
     std::shared_future<platform::Recognition> recognition =
         pool_
             .recognize(forRecognition,
-                       fast ? platform::RecognitionMode::fast : platform::RecognitionMode::accurate)
+                       fast ? platform::RecognitionMode::fast : platform::RecognitionMode::accurate,
+                       {std::move(cancel), deadline})
             .share();
-    return std::async(std::launch::deferred, [recognition, image, keepImage]() -> ScreenOutcome {
-        const platform::Recognition& result = recognition.get();
-        if (result.failure) {
-            coreLog("ocr", "recognition: failed (" + *result.failure + ")");
-            return ReadingError{ReadingError::Kind::ocrFoundNothing};
-        }
-        return ScreenRecognition{wordsOf(result.lines), result.lines, keepImage ? image : nullptr};
+    return std::async(std::launch::deferred, [recognition, image = std::move(image), keepImage] {
+        return outcomeOf(recognition.get(), image, keepImage);
     });
 }
 
 std::future<ScreenOutcome> ScreenOCR::recognize(const platform::TargetWindow& window,
                                                 std::optional<ScreenRect> region, bool fast,
-                                                bool keepImage) {
+                                                bool keepImage, CancelToken cancel) {
     std::variant<PixelBuffer, ReadingError> captured = capture(window, region);
     if (const auto* error = std::get_if<ReadingError>(&captured)) {
         std::promise<ScreenOutcome> failed;
@@ -96,12 +112,13 @@ std::future<ScreenOutcome> ScreenOCR::recognize(const platform::TargetWindow& wi
     }
     return recognizeText(
         std::make_shared<const PixelBuffer>(std::move(std::get<PixelBuffer>(captured))), fast,
-        keepImage);
+        keepImage, std::move(cancel));
 }
 
 std::future<ScreenOutcome> ScreenOCR::recognizeWithPixels(const platform::TargetWindow& window,
-                                                          std::optional<ScreenRect> region) {
-    return recognize(window, region, false, true);
+                                                          std::optional<ScreenRect> region,
+                                                          CancelToken cancel) {
+    return recognize(window, region, false, true, std::move(cancel));
 }
 
 std::optional<PixelBuffer> ScreenOCR::pixelBuffer(const ScreenRect& area) const {

@@ -42,22 +42,34 @@ void leaveCutParagraphToRest(BandReading& reading) {
     }
 }
 
+// The one log line of a cancelled screen reading.
+Cancelled cancelledAt(const char* stage) {
+    coreLog("ocr", std::string{"ocr: cancelled "} + stage);
+    return {};
+}
+
 } // namespace
 
-std::variant<std::vector<OCRLine>, ReadingError>
-ScreenReader::linesOf(std::shared_ptr<const PixelBuffer> image, bool fast,
-                      std::optional<double> titleBarBottom) {
-    ScreenOutcome outcome = ocr_.recognizeText(std::move(image), fast, false).get();
+ScreenReader::LinesOutcome ScreenReader::linesOf(std::shared_ptr<const PixelBuffer> image,
+                                                 bool fast, std::optional<double> titleBarBottom,
+                                                 const CancelToken& cancel) {
+    ScreenOutcome outcome = ocr_.recognizeText(std::move(image), fast, false, cancel).get();
     if (auto* error = std::get_if<ReadingError>(&outcome)) {
         return *error;
+    }
+    if (std::holds_alternative<Cancelled>(outcome)) {
+        return Cancelled{};
     }
     // Title bar and window controls are not part of what the person reads.
     return ReadingOrderEngine::removingInterfaceText(std::get<ScreenRecognition>(outcome).lines, {},
                                                      titleBarBottom);
 }
 
-std::variant<BandReading, ReadingError> ScreenReader::readBand(const platform::TargetWindow& window,
-                                                               ScreenPoint pointer) {
+BandOutcome ScreenReader::readBand(const platform::TargetWindow& window, ScreenPoint pointer,
+                                   const CancelToken& cancel) {
+    if (cancel.cancelled()) {
+        return cancelledAt("before the capture");
+    }
     BandReading reading;
     reading.titleBarBottom = window.titleBarBottom;
     std::uint64_t start = monotonicUptimeNanoseconds();
@@ -77,14 +89,20 @@ std::variant<BandReading, ReadingError> ScreenReader::readBand(const platform::T
     start = monotonicUptimeNanoseconds();
     std::vector<OCRLine> lines;
     if (bandImage) {
-        auto band = linesOf(std::make_shared<const PixelBuffer>(std::move(*bandImage)), true,
-                            reading.titleBarBottom);
+        LinesOutcome band = linesOf(std::make_shared<const PixelBuffer>(std::move(*bandImage)),
+                                    true, reading.titleBarBottom, cancel);
         if (auto* error = std::get_if<ReadingError>(&band)) {
             return *error;
+        }
+        if (std::holds_alternative<Cancelled>(band)) {
+            return cancelledAt("in the band");
         }
         lines = std::move(std::get<std::vector<OCRLine>>(band));
     }
     reading.bandMS = since(start);
+    if (cancel.cancelled()) {
+        return cancelledAt("after the band");
+    }
 
     start = monotonicUptimeNanoseconds();
     if (!lines.empty() && ReadingOrderEngine::isSingleColumn(lines)) {
@@ -100,9 +118,12 @@ std::variant<BandReading, ReadingError> ScreenReader::readBand(const platform::T
     coreLog("ocr", "ocr: band not readable alone; reading the whole window");
     reading.wholeWindow = true;
     reading.band = image.area;
-    auto all = linesOf(reading.image, false, reading.titleBarBottom);
+    LinesOutcome all = linesOf(reading.image, false, reading.titleBarBottom, cancel);
     if (auto* error = std::get_if<ReadingError>(&all)) {
         return *error;
+    }
+    if (std::holds_alternative<Cancelled>(all)) {
+        return cancelledAt("in the whole window");
     }
     ReadingOrderEngine::ReadOutcome outcome =
         ReadingOrderEngine::read(std::get<std::vector<OCRLine>>(all), pointer);
@@ -114,10 +135,12 @@ std::variant<BandReading, ReadingError> ScreenReader::readBand(const platform::T
     return reading;
 }
 
-std::variant<std::vector<ReadingBlock>, ReadingError>
-ScreenReader::readRest(const BandReading& band) {
+RestOutcome ScreenReader::readRest(const BandReading& band, const CancelToken& cancel) {
     if (band.wholeWindow || !band.image) {
         return std::vector<ReadingBlock>{};
+    }
+    if (cancel.cancelled()) {
+        return cancelledAt("before the rest");
     }
     const ScreenRect& area = band.image->area;
     ScreenRect below{area.minX(), band.band.maxY(), area.width(), area.maxY() - band.band.maxY()};
@@ -125,10 +148,13 @@ ScreenReader::readRest(const BandReading& band) {
     if (!rest) {
         return std::vector<ReadingBlock>{};
     }
-    auto lines =
-        linesOf(std::make_shared<const PixelBuffer>(std::move(*rest)), false, band.titleBarBottom);
+    LinesOutcome lines = linesOf(std::make_shared<const PixelBuffer>(std::move(*rest)), false,
+                                 band.titleBarBottom, cancel);
     if (auto* error = std::get_if<ReadingError>(&lines)) {
         return *error;
+    }
+    if (std::holds_alternative<Cancelled>(lines)) {
+        return cancelledAt("in the rest");
     }
     // Only what lies below the band is new; a line that straddles its edge was read with it.
     std::vector<OCRLine> added;

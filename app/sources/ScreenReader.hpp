@@ -25,8 +25,12 @@ struct BandReading {
     std::int64_t layoutMS = 0;
 };
 
+using BandOutcome = std::variant<BandReading, ReadingError, Cancelled>;
+using RestOutcome = std::variant<std::vector<ReadingBlock>, ReadingError, Cancelled>;
+
 // Reads a window band-first: one capture, the band around the pointer recognised fast so speech
-// starts soon, then the rest of the window below the band.
+// starts soon, then the rest of the window below the band. The cancel token is checked between
+// the steps and inside recognition; a cancelled reading ends with Cancelled and one log line.
 class ScreenReader {
 public:
     explicit ScreenReader(ScreenOCR& ocr)
@@ -37,15 +41,15 @@ public:
     static constexpr double bandAbove = 40;
     static constexpr double bandBelow = 100;
 
-    std::variant<BandReading, ReadingError> readBand(const platform::TargetWindow& window,
-                                                     ScreenPoint pointer);
+    BandOutcome readBand(const platform::TargetWindow& window, ScreenPoint pointer,
+                         const CancelToken& cancel = {});
     // The blocks of the lines below the band, in reading order (none after a whole-window read).
-    std::variant<std::vector<ReadingBlock>, ReadingError> readRest(const BandReading& band);
+    RestOutcome readRest(const BandReading& band, const CancelToken& cancel = {});
 
 private:
-    std::variant<std::vector<OCRLine>, ReadingError>
-    linesOf(std::shared_ptr<const PixelBuffer> image, bool fast,
-            std::optional<double> titleBarBottom);
+    using LinesOutcome = std::variant<std::vector<OCRLine>, ReadingError, Cancelled>;
+    LinesOutcome linesOf(std::shared_ptr<const PixelBuffer> image, bool fast,
+                         std::optional<double> titleBarBottom, const CancelToken& cancel);
     ScreenOCR& ocr_;
 };
 

@@ -57,7 +57,7 @@ std::vector<Leaf> tableLeaves(const ElementRef& rowOrTable, WalkBudget& budget,
     std::vector<TableRow> rows;
     std::optional<std::size_t> pointedIndex;
     for (const ElementRef& rowElement : *rowElements) {
-        if (!budget.spend(0, context.now())) {
+        if (context.cancelled() || !budget.spend(0, context.now())) {
             break;
         }
         if (fromRow && !pointedIndex && rowElement->isSame(*rowOrTable)) {

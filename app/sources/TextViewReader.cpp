@@ -43,6 +43,9 @@ std::optional<AXCursorResult> readTextView(AccessibilityElement& element, Screen
         return std::nullopt;
     }
     context.trace("text-view: candidate " + TreeQueries::describe(element));
+    if (context.cancelled()) {
+        return std::nullopt;
+    }
 
     if (AXAnswer<ScreenRect> frame = element.frame(); frame && !frame->contains(point)) {
         if (frame->verticalDistance(point) == 0 && frame->horizontalDistance(point) < 80 &&
@@ -56,6 +59,9 @@ std::optional<AXCursorResult> readTextView(AccessibilityElement& element, Screen
     AXAnswer<UTF16Range> pointed = element.rangeForPosition(point);
     if (!pointed || pointed->location == UTF16Range::notFound || pointed->location < 0) {
         context.trace("text-view: AXRangeForPosition failed");
+        return std::nullopt;
+    }
+    if (context.cancelled()) {
         return std::nullopt;
     }
     std::int64_t count = 0;
@@ -79,6 +85,9 @@ std::optional<AXCursorResult> readTextView(AccessibilityElement& element, Screen
                 return std::nullopt;
             }
         }
+    }
+    if (context.cancelled()) {
+        return std::nullopt;
     }
     std::int64_t start = std::max<std::int64_t>(0, location - lookBehindUTF16);
     std::int64_t end = std::min(count, location + config.maxContinuationUTF16);

@@ -4,10 +4,11 @@
 
 namespace lectorbell::TreeQueries {
 
-std::vector<ElementRef> ancestors(const ElementRef& element, std::size_t max, StopAt stop) {
+std::vector<ElementRef> ancestors(const ElementRef& element, std::size_t max, StopAt stop,
+                                  const CancelToken* cancel) {
     std::vector<ElementRef> chain;
     ElementRef current = element;
-    while (current && chain.size() < max) {
+    while (current && chain.size() < max && !(cancel && cancel->cancelled())) {
         chain.push_back(current);
         if (stop == StopAt::applicationRole && hasRole(*current, "AXApplication")) {
             break;

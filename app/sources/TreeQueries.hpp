@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/AccessibilityElement.hpp"
+#include "platform/CancelToken.hpp"
 
 #include <cstddef>
 #include <optional>
@@ -12,9 +13,11 @@ namespace lectorbell::TreeQueries {
 enum class StopAt { applicationRole, missingParentOnly };
 
 // The element followed by its parent chain, at most `max` elements. With StopAt::applicationRole
-// the chain also ends after the element whose role is "AXApplication".
+// the chain also ends after the element whose role is "AXApplication". A cancelled lookup stops
+// climbing (the chain so far is returned).
 std::vector<ElementRef> ancestors(const ElementRef& element, std::size_t max,
-                                  StopAt stop = StopAt::applicationRole);
+                                  StopAt stop = StopAt::applicationRole,
+                                  const CancelToken* cancel = nullptr);
 
 // Role and subrole, the present ones joined with "/".
 std::string describe(AccessibilityElement& element);

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <thread>
 
 namespace lectorbell {
 
@@ -14,6 +15,14 @@ std::string traceNumber(double value) {
         std::snprintf(buffer, sizeof buffer, "%.1f", rounded);
     }
     return buffer;
+}
+
+MonotonicClock steadyClock() {
+    return [] { return std::chrono::steady_clock::now(); };
+}
+
+Wait sleepingWait() {
+    return [](std::chrono::milliseconds duration) { std::this_thread::sleep_for(duration); };
 }
 
 } // namespace lectorbell

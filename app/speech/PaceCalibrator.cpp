@@ -8,8 +8,13 @@ PaceCalibrator::PaceCalibrator(platform::PlatformSynthesizer& synth)
     : synth_{synth} {}
 
 double PaceCalibrator::duration(float rate, const std::string& voiceIdentifier) {
-    platform::SynthesizedSpeech speech = synth_.render(passage, voiceIdentifier, rate);
-    return platform::secondsOf(platform::frameCount(speech.samples, speech.format), speech.format);
+    std::optional<platform::SynthesizedSpeech> speech =
+        synth_.render(passage, voiceIdentifier, rate);
+    if (!speech) {
+        return 0.0;
+    }
+    return platform::secondsOf(platform::frameCount(speech->samples, speech->format),
+                               speech->format);
 }
 
 const PaceCalibrator::Measurement& PaceCalibrator::measure(const std::string& voiceIdentifier) {

@@ -23,7 +23,7 @@ public:
 
     explicit PaceCalibrator(platform::PlatformSynthesizer& synth);
 
-    // Seconds of speech the passage takes at `rate` with the voice.
+    // Seconds of speech the passage takes at `rate` with the voice; 0 when the voice fails.
     double duration(float rate, const std::string& voiceIdentifier);
     // Words per minute for every pace preset; kept in results().
     const Measurement& measure(const std::string& voiceIdentifier);

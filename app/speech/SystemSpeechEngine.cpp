@@ -29,17 +29,26 @@ float SystemSpeechEngine::clampedRate(float rate) {
 
 void SystemSpeechEngine::speak(const Uuid& id, const std::u16string& text,
                                const std::optional<std::string>& voiceIdentifier, float rate) {
-    platform::SynthesizedSpeech speech =
+    std::optional<platform::SynthesizedSpeech> speech =
         synth_.render(text, voiceIdentifier.value_or(synth_.defaultVoiceId()), clampedRate(rate));
+    utterances_.push_back(id);
+    if (!speech) {
+        // A moment of silence holds its place in the queue: the failure is reported when it
+        // comes to sound, after what was queued before it, and never from inside speak.
+        platform::SynthesizedSpeech silence{synth_.format(), {}, {}};
+        platform::AudioBufferId buffer =
+            output_.schedule(std::move(segmentsAtWords(silence).front().samples));
+        segments_.emplace(buffer, Segment{id, true, true, true, {}});
+        return;
+    }
     // Nothing sounding or queued: this is the first utterance of a reading, and every
     // millisecond before its first word is a delay the listener hears.
     if (!output_.isBusy()) {
-        trimLeadingSilence(speech);
+        trimLeadingSilence(*speech);
     }
-    std::vector<SoundSegment> segments = segmentsAtWords(speech);
-    utterances_.push_back(id);
+    std::vector<SoundSegment> segments = segmentsAtWords(*speech);
     for (std::size_t i = 0; i < segments.size(); ++i) {
-        Segment segment{id, i == 0, i + 1 == segments.size(), std::move(segments[i].words)};
+        Segment segment{id, i == 0, i + 1 == segments.size(), false, std::move(segments[i].words)};
         platform::AudioBufferId buffer = output_.schedule(std::move(segments[i].samples));
         segments_.emplace(buffer, std::move(segment));
     }
@@ -75,6 +84,10 @@ void SystemSpeechEngine::audioBufferDidStart(platform::AudioBufferId buffer) {
     if (it == segments_.end()) {
         return;
     }
+    if (it->second.failed) {
+        failQueued(ReadingError{ReadingError::Kind::speechUnavailable});
+        return;
+    }
     // Copies: a delegate may speak or stop from inside a callback, changing segments_.
     const Uuid utterance = it->second.utterance;
     const std::vector<UTF16Range> words = it->second.words;
@@ -106,6 +119,29 @@ void SystemSpeechEngine::audioBufferDidFinish(platform::AudioBufferId buffer) {
     }
     if (delegate_ != nullptr) {
         delegate_->speechDidFinish(utterance);
+    }
+}
+
+void SystemSpeechEngine::audioOutputDidFail(const std::string& /*message*/) {
+    // The output keeps its detailed message (a device, a file) for the log and the verbs.
+    failQueued(ReadingError{ReadingError::Kind::audioOutputUnavailable});
+}
+
+void SystemSpeechEngine::failQueued(const ReadingError& error) {
+    output_.stop();
+    segments_.clear();
+    std::deque<Uuid> dropped;
+    dropped.swap(utterances_);
+    for (std::size_t i = 0; i < dropped.size(); ++i) {
+        // A delegate may change while it is told.
+        if (delegate_ == nullptr) {
+            continue;
+        }
+        if (i == 0) {
+            delegate_->speechDidFail(dropped[i], error);
+        } else {
+            delegate_->speechDidCancel(dropped[i]);
+        }
     }
 }
 

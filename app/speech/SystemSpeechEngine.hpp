@@ -14,7 +14,10 @@ namespace lectorbell::speech {
 // far faster than real time) and its sound is cut at the word starts into buffers that play back
 // to back on the audio output. The output's buffer starts drive speechDidStart and
 // speechWillSpeak, its buffer ends speechDidFinish, so callbacks follow what is heard, not what
-// was rendered. Everything runs on the main thread, as do the output's callbacks.
+// was rendered. A failure of the voice (speechUnavailable) or of the output
+// (audioOutputUnavailable) reaches the delegate as speechDidFail for the oldest utterance not
+// finished, with speechDidCancel for those behind it. Everything runs on the main thread, as do the
+// output's callbacks.
 class SystemSpeechEngine final : public SpeechSynthesizing, private platform::AudioOutputListener {
 public:
     using VoiceInfo = platform::PlatformVoice;
@@ -28,7 +31,9 @@ public:
     SpeechSynthesizerDelegate* delegate() const override { return delegate_; }
     void setDelegate(SpeechSynthesizerDelegate* delegate) override { delegate_ = delegate; }
 
-    // An unknown voice identifier speaks with the default voice (the synthesizer logs it).
+    // An unknown voice identifier speaks with the default voice (the synthesizer logs it). An
+    // utterance the voice fails to render fails in its turn, once those before it have been
+    // heard.
     void speak(const Uuid& id, const std::u16string& text,
                const std::optional<std::string>& voiceIdentifier, float rate) override;
     // Lets the word that is sounding finish, then holds.
@@ -49,11 +54,16 @@ private:
         Uuid utterance;
         bool first = false;
         bool last = false;
+        // Silence that stands for an utterance the voice failed to render.
+        bool failed = false;
         std::vector<UTF16Range> words;
     };
 
     void audioBufferDidStart(platform::AudioBufferId buffer) override;
     void audioBufferDidFinish(platform::AudioBufferId buffer) override;
+    void audioOutputDidFail(const std::string& message) override;
+    // Drops everything queued: the oldest utterance fails with `error`, the others are cancelled.
+    void failQueued(const ReadingError& error);
 
     platform::PlatformSynthesizer& synth_;
     platform::AudioOutput& output_;

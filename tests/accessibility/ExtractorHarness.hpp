@@ -9,17 +9,20 @@
 
 namespace lectorbell::testing {
 
-// An extractor over a fixture tree, with its trace lines and the tree's virtual clock.
+// An extractor over a fixture tree, with its trace lines and the tree's virtual clock (pauses
+// advance it).
 struct ExtractorHarness {
     explicit ExtractorHarness(std::unique_ptr<FixtureTree> fixture, ExtractorConfig config = {})
         : tree(std::move(fixture))
-        , extractor(*tree, config,
-                    WalkContext{[this] { return tree->now(); },
-                                [this](std::string_view line) { trace.emplace_back(line); },
-                                false}) {}
+        , extractor(
+              *tree, config,
+              WalkContext{[this] { return tree->now(); },
+                          [this](std::string_view line) { trace.emplace_back(line); }, false,
+                          [this](std::chrono::milliseconds pause) { tree->advance(pause); }}) {}
 
-    CursorOutcome at(ProcessID pid, ScreenPoint point, bool quick = false) {
-        return extractor.extractAtCursor(pid, point, quick);
+    CursorOutcome at(ProcessID pid, ScreenPoint point, bool quick = false,
+                     CancelToken cancel = {}) {
+        return extractor.extractAtCursor(pid, point, quick, std::move(cancel));
     }
 
     bool traced(std::string_view line) const {

@@ -480,6 +480,9 @@ std::unique_ptr<AccessibilityApp> FixtureTree::application(ProcessID pid) {
 void FixtureTree::spend() {
     ++calls_;
     clock_ += callCost_;
+    if (afterCall) {
+        afterCall(calls_);
+    }
 }
 
 } // namespace lectorbell::testing

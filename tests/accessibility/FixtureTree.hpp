@@ -3,6 +3,7 @@
 #include "platform/AccessibilityApp.hpp"
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -37,6 +38,8 @@ public:
     bool buildsTreeOnRequest(ProcessID) override { return buildsOnRequest; }
 
     std::chrono::steady_clock::time_point now() const { return clock_; }
+    // Moves the virtual clock on, as a pause of the lookup's thread would.
+    void advance(std::chrono::microseconds duration) { clock_ += duration; }
     // Reads of a password field's text (its value, ranges, selection): must stay zero.
     int secureReads() const { return secureReads_; }
     // Calls made into the tree.
@@ -47,6 +50,8 @@ public:
     bool trusted = true;
     // The application builds its tree only when asked, as Chromium-family apps do.
     bool buildsOnRequest = false;
+    // Runs after each call into the tree, with the number of calls made so far.
+    std::function<void(int calls)> afterCall;
 
     struct Node;
 

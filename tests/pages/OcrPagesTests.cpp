@@ -107,8 +107,8 @@ TEST_P(OcrPages, ReadInOrder) {
     const PixelBuffer& pixels = std::get<PixelBuffer>(image);
     platform::tesseract::TesseractRecognizer recognizer;
     platform::Recognition recognition =
-        recognizer.recognize(pixels, platform::RecognitionMode::accurate);
-    ASSERT_FALSE(recognition.failure) << *recognition.failure;
+        recognizer.recognize(pixels, platform::RecognitionMode::accurate, {});
+    ASSERT_FALSE(recognition.failure) << recognition.failure->detail;
     const json truth = truthOf(page);
 
     Engine::Config everything;

@@ -1,19 +1,18 @@
 #pragma once
 
 #include "lectorbell/ReadingModel.hpp"
+#include "lectorbell/Uptime.hpp"
 #include "lectorbell/Uuid.hpp"
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace lectorbell {
 
-// Monotonic uptime in nanoseconds.
-using UptimeClock = std::function<std::uint64_t()>;
+// The system's monotonic uptime in nanoseconds, for timing a stage outside a reading.
 std::uint64_t monotonicUptimeNanoseconds();
 
 struct StageTiming {
@@ -31,8 +30,8 @@ public:
         std::uint64_t at = 0;
     };
 
-    // The clock defaults to the monotonic uptime; tests pass their own.
-    explicit Stopwatch(UptimeClock clock = monotonicUptimeNanoseconds);
+    // Reads `uptime` (seconds), kept to the nanosecond.
+    explicit Stopwatch(Uptime uptime = monotonicUptime);
 
     void mark(std::string name);
     // Whole milliseconds since the start for each mark, in order, truncated.
@@ -43,7 +42,9 @@ public:
     const std::vector<Mark>& marks() const { return marks_; }
 
 private:
-    UptimeClock clock_;
+    std::uint64_t now() const;
+
+    Uptime uptime_;
     std::uint64_t start_;
     std::vector<Mark> marks_;
 };

@@ -120,13 +120,19 @@ public:
         elementInvalidated,
         appNotResponding,
         speechUnavailable,
+        // The sound device (or the file standing in for it) failed while the reading played.
+        audioOutputUnavailable,
+        // The text recogniser cannot start: what it needs is not installed.
+        textRecognitionUnavailable,
     };
 
-    // The payload is the application name for appExcluded and the shortcut's display text for
-    // hotkeyRegistrationFailed; the other kinds ignore it.
+    // The payload is the application name for appExcluded, the shortcut's display text for
+    // hotkeyRegistrationFailed and the package to install for textRecognitionUnavailable; the
+    // other kinds ignore it.
     explicit ReadingError(Kind kind, std::string payload = {});
     static ReadingError appExcluded(std::string applicationName);
     static ReadingError hotkeyRegistrationFailed(std::string shortcutText);
+    static ReadingError textRecognitionUnavailable(std::string package);
 
     Kind kind() const { return kind_; }
     const std::string& payload() const { return payload_; }

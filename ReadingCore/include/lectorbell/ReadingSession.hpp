@@ -4,6 +4,7 @@
 #include "lectorbell/SessionState.hpp"
 #include "lectorbell/SpeechSynthesizing.hpp"
 #include "lectorbell/TextSegmenter.hpp"
+#include "lectorbell/Uptime.hpp"
 
 #include <cstdint>
 #include <deque>
@@ -21,15 +22,13 @@ namespace lectorbell {
 class ReadingSession final : public SpeechSynthesizerDelegate {
 public:
     // Monotonic uptime in seconds; injected so tests control time.
-    using UptimeSeconds = std::function<double()>;
+    using UptimeSeconds = Uptime;
 
     ReadingSession(SpeechSynthesizing& synth, std::int64_t lookahead,
-                   UptimeSeconds uptime = monotonicSeconds);
+                   UptimeSeconds uptime = monotonicUptime);
     ~ReadingSession() override;
     ReadingSession(const ReadingSession&) = delete;
     ReadingSession& operator=(const ReadingSession&) = delete;
-
-    static double monotonicSeconds();
 
     // Called after every accepted state change.
     std::function<void(const SessionState&)> onStateChange;
@@ -73,6 +72,9 @@ public:
     void speechDidStart(const Uuid& id) override;
     void speechDidFinish(const Uuid& id) override;
     void speechDidCancel(const Uuid& id) override;
+    // Ends the reading with `error` when `id` is in flight; words count only up to the last word
+    // heard.
+    void speechDidFail(const Uuid& id, const ReadingError& error) override;
     void speechWillSpeak(const Uuid& id, UTF16Range utf16Range) override;
 
 private:
@@ -85,6 +87,7 @@ private:
     void ensureChunk(std::int64_t index);
     void fillQueue();
     void reportPartialHead();
+    void endFailed(ReadingError error);
     void silence();
     bool isHead(const Uuid& id) const;
     const std::u16string& blockText(std::int64_t index) const;

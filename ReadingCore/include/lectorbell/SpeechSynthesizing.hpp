@@ -1,5 +1,6 @@
 #pragma once
 
+#include "lectorbell/ReadingModel.hpp"
 #include "lectorbell/UTF16Text.hpp"
 #include "lectorbell/Uuid.hpp"
 
@@ -20,6 +21,9 @@ public:
     virtual void speechDidFinish(const Uuid& id) = 0;
     // The utterance was dropped without being finished.
     virtual void speechDidCancel(const Uuid& id) = 0;
+    // The utterance cannot be spoken (the voice or the sound device failed); the engine has
+    // dropped it, and cancelled every utterance queued behind it. Never called from inside speak.
+    virtual void speechDidFail(const Uuid& id, const ReadingError& error) = 0;
     // The word at `utf16Range` (in the text given to speak) is about to sound.
     virtual void speechWillSpeak(const Uuid& id, UTF16Range utf16Range) = 0;
 };

@@ -5,11 +5,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace lectorbell {
+
+namespace detail {
+class DocumentReader;
+} // namespace detail
 
 // One unit of speech.
 struct SpeechChunk {
@@ -67,12 +72,16 @@ class BlockChunker {
 public:
     // The text is not copied: it must outlive the chunker.
     BlockChunker(std::u16string_view text, std::int64_t blockIndex, std::int64_t maxUTF16);
+    BlockChunker(BlockChunker&&) noexcept;
+    BlockChunker& operator=(BlockChunker&&) noexcept;
+    ~BlockChunker();
 
     // Appends the chunks of the next paragraph that gives any; false once the block is done.
     bool appendNext(std::vector<SpeechChunk>& out);
 
 private:
     bool readWindow();
+    std::u16string readDocument();
 
     std::u16string_view text_;
     std::int64_t blockIndex_;
@@ -83,6 +92,8 @@ private:
     std::size_t paragraphIndex_ = 0;
     std::u16string openParagraph_;
     bool hasOpenParagraph_ = false;
+    // Made when the first window with markdown or HTML in it is read.
+    std::unique_ptr<detail::DocumentReader> reader_;
 };
 
 } // namespace lectorbell

@@ -1,9 +1,10 @@
-// The Linux adapters: AT-SPI for accessibility, X11 for windows and capture, Tesseract for text
-// recognition, espeak-ng for the built-in voice, Qt Multimedia for sound, an INI file for the
-// settings and the Secret Service for secrets.
+// The Linux adapters: AT-SPI for accessibility, X11 for windows, capture and global keys,
+// Tesseract for text recognition, espeak-ng for the built-in voice, Qt Multimedia for sound, Qt's
+// event loop for the main queue, an INI file for the settings and the Secret Service for secrets.
 
 #include "platform/Platform.hpp"
 #include "platform/linux/LinuxLog.hpp"
+#include "platform/linux/LinuxSystemServices.hpp"
 #include "platform/linux/atspi/AtspiDesktop.hpp"
 #include "platform/linux/atspi/ProcessInfo.hpp"
 #include "platform/linux/audio/QtAudioOutput.hpp"
@@ -16,8 +17,11 @@
 #include "platform/linux/tesseract/OpenMPEnvironment.hpp"
 #include "platform/linux/tesseract/TesseractRecognizer.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
+#include "platform/linux/x11/X11HotkeyService.hpp"
 #include "platform/linux/x11/X11ScreenCapturer.hpp"
 #include "platform/linux/x11/X11WindowLocator.hpp"
+#include "platform/linux/xdg/DesktopEntries.hpp"
+#include "platform/qt/QtScheduler.hpp"
 
 #include <QFileInfo>
 #include <mutex>
@@ -94,6 +98,17 @@ public:
     }
 
     std::vector<std::string> preferredLanguages() override { return espeak::preferredLanguages(); }
+
+    std::unique_ptr<Scheduler> scheduler() override { return std::make_unique<qt::QtScheduler>(); }
+
+    std::unique_ptr<HotkeyService> hotkeyService(Scheduler& scheduler) override {
+        return x11::X11HotkeyService::open(scheduler);
+    }
+
+    std::unique_ptr<SystemServices> systemServices() override {
+        return std::make_unique<LinuxSystemServices>(connection(),
+                                                     xdg::DesktopEntries::applicationFolders());
+    }
 
     std::unique_ptr<SettingsStore> settingsStore(WatchOtherProcesses watch) override {
         return std::make_unique<settings::IniSettingsStore>(settings::settingsFile(), watch);

@@ -18,8 +18,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace lectorbell::sources {
 namespace {
@@ -170,8 +172,9 @@ TEST_F(ScreenReading, FindsTheLightBlueHighlightByItsColour) {
 
 // The verb, through the real binary, with a fully transparent window lying over the page: the
 // window under the point is the page, not the overlay.
-std::string run(const std::string& arguments, int* status) {
-    std::string command = std::string{LECTORBELL_EXECUTABLE} + " " + arguments + " 2>/dev/null";
+std::string run(const std::string& arguments, int* status, const std::string& environment = {}) {
+    std::string command = (environment.empty() ? "" : "env " + environment + " ") +
+                          std::string{LECTORBELL_EXECUTABLE} + " " + arguments + " 2>/dev/null";
     std::string out;
     FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) {
@@ -217,6 +220,15 @@ TEST_F(ScreenReading, TheOcrVerbReadsTheWindowUnderThePoint) {
     out = run("ocr --screen --json --at 1000,700", &status); // the empty root window
     EXPECT_EQ(status, 3);
     EXPECT_EQ(out, "{\"error\": \"No app window under the pointer\"}\n");
+
+    // Without its language data the recogniser cannot start: the reading says what to install.
+    char noData[] = "/tmp/lectorbell-no-tessdata-XXXXXX";
+    ASSERT_NE(mkdtemp(noData), nullptr);
+    out = run("ocr --screen --json --at " + std::to_string(marginX + 29 * 10 + 45) + ",174",
+              &status, std::string{"TESSDATA_PREFIX="} + noData);
+    rmdir(noData);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(out, "{\"error\": \"Install tesseract-ocr-eng to read text on screen\"}\n");
     XDestroyWindow(display, overlay);
     XSync(display, False);
 }

@@ -2,14 +2,18 @@
 
 #include "platform/AudioOutput.hpp"
 
+#include <algorithm>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace lectorbell::testing {
 
 // An audio output that records what it is given and plays only when the test says so, on a
-// virtual clock of frames: starts and finishes follow the played position exactly.
+// virtual clock of frames: starts and finishes follow the played position exactly. With
+// `failAfter` set it fails as a lost device does once that many frames have played; the next
+// schedule opens it again.
 class RecordingAudioOutput final : public platform::AudioOutput {
 public:
     struct Scheduled {
@@ -22,7 +26,9 @@ public:
         format_ = format;
         return std::nullopt;
     }
+    std::optional<platform::PcmFormat> format() const override { return format_; }
     platform::AudioBufferId schedule(platform::PcmSamples samples) override {
+        failure_.reset();
         scheduled.push_back({++lastId_, samples});
         queue_.push_back({lastId_, samples.size(), 0, false});
         return lastId_;
@@ -52,6 +58,13 @@ public:
     // end; stops early while held.
     void play(std::int64_t frames) {
         while (frames > 0 && !held_ && !queue_.empty()) {
+            if (failAfter && playedFrames_ >= *failAfter) {
+                failAfter.reset();
+                queue_.clear();
+                failure_ = platform::noAudioOutputDeviceMessage;
+                listener_->audioOutputDidFail(*failure_);
+                return;
+            }
             Pending& front = queue_.front();
             platform::AudioBufferId id = front.id;
             if (!front.started) {
@@ -64,6 +77,9 @@ public:
             Pending& current = queue_.front();
             auto step = std::min<std::int64_t>(
                 frames, static_cast<std::int64_t>(current.size - current.played));
+            if (failAfter) {
+                step = std::min(step, *failAfter - playedFrames_);
+            }
             current.played += static_cast<std::size_t>(step);
             playedFrames_ += step;
             frames -= step;
@@ -90,6 +106,7 @@ public:
 
     std::vector<Scheduled> scheduled;
     std::vector<std::string> calls;
+    std::optional<std::int64_t> failAfter;
 
 private:
     std::optional<std::string> failure_;
@@ -101,7 +118,7 @@ private:
     };
 
     platform::AudioOutputListener* listener_ = nullptr;
-    platform::PcmFormat format_;
+    std::optional<platform::PcmFormat> format_;
     platform::AudioBufferId lastId_ = 0;
     std::deque<Pending> queue_;
     bool held_ = false;

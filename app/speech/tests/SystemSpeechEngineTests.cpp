@@ -1,4 +1,5 @@
 #include "RecordingAudioOutput.hpp"
+#include "lectorbell/ReadingSession.hpp"
 #include "platform/linux/espeak/EspeakSynthesizer.hpp"
 #include "speech/SystemSpeechEngine.hpp"
 
@@ -12,7 +13,7 @@ namespace {
 using testing::RecordingAudioOutput;
 
 // A voice at 1,000 frames per second: 30 silent frames, then 100 loud frames per
-// space-separated word, each word event at its first loud frame.
+// space-separated word, each word event at its first loud frame. It fails on the text "broken".
 class ScriptedSynthesizer final : public platform::PlatformSynthesizer {
 public:
     static constexpr std::int64_t lead = 30;
@@ -23,9 +24,12 @@ public:
     }
     std::string defaultVoiceId() const override { return "voice.default"; }
     platform::PcmFormat format() const override { return {1000, 1}; }
-    platform::SynthesizedSpeech render(std::u16string_view text, const std::string& voiceId,
-                                       float rate) override {
+    std::optional<platform::SynthesizedSpeech>
+    render(std::u16string_view text, const std::string& voiceId, float rate) override {
         requests.push_back({voiceId, rate});
+        if (text == u"broken") {
+            return std::nullopt;
+        }
         platform::SynthesizedSpeech speech{format(), platform::PcmSamples(lead, 0), {}};
         std::int64_t start = 0;
         auto n = static_cast<std::int64_t>(text.size());
@@ -61,6 +65,9 @@ public:
         }
     }
     void speechDidCancel(const Uuid& id) override { log.push_back("cancel " + name(id)); }
+    void speechDidFail(const Uuid& id, const ReadingError& error) override {
+        log.push_back("fail " + name(id) + " " + error.userMessage());
+    }
     void speechWillSpeak(const Uuid& id, UTF16Range range) override {
         std::ostringstream line;
         line << "word " << name(id) << " " << range.location << "+" << range.length;
@@ -184,10 +191,63 @@ TEST_F(SystemSpeechEngineTest, ADelegateMaySpeakTheNextUtteranceFromFinish) {
                                  "finish 2", "start 3", "word 3 0+5", "finish 3"}));
 }
 
-TEST_F(SystemSpeechEngineTest, SoundlessTextStillStartsAndFinishes) {
+TEST_F(SystemSpeechEngineTest, TextWithNothingToSayStillStartsAndFinishes) {
     speak(u"");
+    speak(u"   ");
     output.playAll();
-    EXPECT_EQ(delegate.log, (Log{"start 1", "finish 1"}));
+    EXPECT_EQ(delegate.log, (Log{"start 1", "finish 1", "start 2", "finish 2"}));
+}
+
+TEST_F(SystemSpeechEngineTest, AFailedRenderFailsInItsTurnAfterWhatCameBeforeIsHeard) {
+    speak(u"one");
+    speak(u"broken");
+    speak(u"three");
+    EXPECT_EQ(delegate.log, Log{}) << "never reported from inside speak";
+    output.playAll();
+    EXPECT_EQ(delegate.log, (Log{"start 1", "word 1 0+3", "finish 1",
+                                 "fail 2 Selected voice is unavailable", "cancel 3"}));
+    EXPECT_FALSE(output.isBusy()) << "nothing of the third utterance plays";
+}
+
+TEST_F(SystemSpeechEngineTest, ALostDeviceFailsTheOldestUtteranceAndComesBackForTheNext) {
+    speak(u"one two");
+    speak(u"three");
+    output.failAfter = 52; // inside "one", after the 2 ms kept before it
+    output.playAll();
+    EXPECT_EQ(delegate.log,
+              (Log{"start 1", "word 1 0+3", "fail 1 No audio output device", "cancel 2"}));
+    EXPECT_EQ(output.failure(), std::optional<std::string>{"No audio output device"});
+
+    delegate.log.clear();
+    speak(u"four");
+    EXPECT_EQ(output.failure(), std::nullopt);
+    output.playAll();
+    EXPECT_EQ(delegate.log, (Log{"start 3", "word 3 0+4", "finish 3"}));
+}
+
+TEST_F(SystemSpeechEngineTest, ALostDeviceEndsTheReadingCountingOnlyHeardWords) {
+    // The session's clock is the sound played, in seconds.
+    ReadingSession session{engine, 1,
+                           [this] { return static_cast<double>(output.playedFrames()) / 1000.0; }};
+    std::vector<std::pair<std::int64_t, double>> listened;
+    session.onListened = [&](std::int64_t words, double seconds) {
+        listened.emplace_back(words, seconds);
+    };
+    ReadingPayload payload;
+    payload.blocks.push_back(
+        {Uuid::random(), u"One two three. Four five six seven.", BlockRole::body, {}, 0});
+    session.start(std::move(payload), session.beginPreparing(), false);
+
+    // The first chunk is 2 + 3 * 100 frames; the second 30 + 4 * 100. Fail inside "six".
+    output.failAfter = 302 + 30 + 250;
+    output.playAll();
+    EXPECT_EQ(session.state(),
+              SessionState::failed(ReadingError{ReadingError::Kind::audioOutputUnavailable}));
+    ASSERT_EQ(listened.size(), 2U);
+    EXPECT_EQ(listened[0].first, 3);
+    EXPECT_NEAR(listened[0].second, 0.302, 1e-9);
+    EXPECT_EQ(listened[1].first, 2) << "\"six\" had only begun";
+    EXPECT_NEAR(listened[1].second, 0.280, 1e-9);
 }
 
 TEST_F(SystemSpeechEngineTest, ClampsRatesAndUsesTheDefaultVoiceWhenNoneIsGiven) {

@@ -24,7 +24,8 @@ struct CachedElement {
         return childCount >= 0 && static_cast<int>(children.size()) == childCount;
     }
     bool hasState(AtspiStateType state) const {
-        return state < 64 && (states >> static_cast<unsigned>(state) & 1U) != 0;
+        const auto bit = static_cast<unsigned>(state);
+        return bit < 64U && (states >> bit & 1U) != 0;
     }
 };
 

@@ -5,6 +5,7 @@
 #include <atspi/atspi.h>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -15,6 +16,14 @@ inline constexpr std::chrono::milliseconds messagingTimeout{500};
 // A call that took this long met the time-out (the library reports most of them as empty
 // answers, not errors): the application is taken as hung.
 inline constexpr std::chrono::milliseconds hungAfter{400};
+
+// What a call's error, and whether the call took as long as a hung application would, say
+// about the application: no failure (no error, in time), timed out, or absent. libatspi passes a
+// D-Bus failure on as a GError carrying only the D-Bus error's message, so a reply that never
+// came is known by libdbus's wording; every other error (the element or application is gone,
+// the application refused the call) means there is no value. AT-SPI has no "busy, ask again"
+// answer: an application answers, answers with an error, or does not answer in time.
+std::optional<AXFailure> failureOf(const GError* error, bool slow);
 
 // Shared by every element of one application during one lookup: once a call has timed out,
 // the others answer at once instead of waiting again (waits would add up).
@@ -34,18 +43,18 @@ public:
         GError* error = nullptr;
         auto started = std::chrono::steady_clock::now();
         Value value = call(&error);
-        bool slow = std::chrono::steady_clock::now() - started >= hungAfter;
-        if (slow) {
-            timedOut_ = true;
-        }
+        std::optional<AXFailure> failure =
+            failureOf(error, std::chrono::steady_clock::now() - started >= hungAfter);
         if (error) {
             g_error_free(error);
-            return slow ? AXFailure::timedOut : AXFailure::absent;
         }
-        if (slow) {
-            return AXFailure::timedOut;
+        if (!failure) {
+            return value;
         }
-        return value;
+        if (*failure == AXFailure::timedOut) {
+            timedOut_ = true;
+        }
+        return *failure;
     }
 
 private:

@@ -29,6 +29,7 @@ QtAudioOutput::QtAudioOutput() {
 QtAudioOutput::~QtAudioOutput() {
     pollTimer_.stop();
     if (sink_) {
+        QObject::disconnect(sink_.get(), nullptr, &pollTimer_, nullptr);
         sink_->stop();
     }
 }
@@ -38,59 +39,101 @@ void QtAudioOutput::setListener(AudioOutputListener* listener) {
 }
 
 std::optional<std::string> QtAudioOutput::start(PcmFormat format) {
-    if (sink_ && format == format_ && !failure_) {
+    if (sink_ && format == format_) {
         return std::nullopt;
     }
+    format_ = format;
+    started_ = true;
+    return open();
+}
+
+std::optional<std::string> QtAudioOutput::open() {
+    if (sink_) {
+        // A change of format: what was queued for the old stream goes with it.
+        QObject::disconnect(sink_.get(), nullptr, &pollTimer_, nullptr);
+        sink_->stop();
+        sink_.reset();
+    }
+    feed_.reset();
+    pollTimer_.stop();
+    failure_ = std::string{noAudioOutputDeviceMessage};
+
     QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull()) {
         qCWarning(lcReading, "audio: no output device");
-        return std::string{noAudioOutputDeviceMessage};
+        return failure_;
     }
     QAudioFormat qformat;
-    qformat.setSampleRate(format.sampleRate);
-    qformat.setChannelCount(format.channels);
+    qformat.setSampleRate(format_.sampleRate);
+    qformat.setChannelCount(format_.channels);
     qformat.setSampleFormat(QAudioFormat::Int16);
 
-    if (sink_) {
-        sink_->stop();
-    }
-    format_ = format;
-    failure_.reset();
-    feed_ = std::make_unique<PcmFeed>(format.channels);
-    sink_ = std::make_unique<QAudioSink>(device, qformat);
-    sink_->setBufferSize(
+    auto feed = std::make_unique<PcmFeed>(format_.channels);
+    auto sink = std::make_unique<QAudioSink>(device, qformat);
+    sink->setBufferSize(
         static_cast<qsizetype>(qformat.bytesForDuration(qint64{deviceBufferMs} * 1000)));
-    sink_->start(feed_.get());
-    if (sink_->error() != QAudio::NoError || sink_->state() == QAudio::StoppedState) {
+    sink->start(feed.get());
+    if (sink->error() != QAudio::NoError || sink->state() == QAudio::StoppedState) {
         qCWarning(lcReading, "audio: the output device did not open (error %d)",
-                  static_cast<int>(sink_->error()));
-        sink_.reset();
-        feed_.reset();
-        return std::string{noAudioOutputDeviceMessage};
+                  static_cast<int>(sink->error()));
+        return failure_;
     }
-    QObject::connect(sink_.get(), &QAudioSink::stateChanged, [this](QAudio::State state) {
-        if (state == QAudio::StoppedState && sink_ && sink_->error() != QAudio::NoError) {
-            failAll(noAudioOutputDeviceMessage);
-        }
-    });
+    // Queued to the main thread should the sound server's thread emit it.
+    QObject::connect(sink.get(), &QAudioSink::stateChanged, &pollTimer_,
+                     [this, opened = sink.get()](QAudio::State state) {
+                         if (state == QAudio::StoppedState && opened == sink_.get() &&
+                             opened->error() != QAudio::NoError) {
+                             deviceFailed();
+                         }
+                     });
+    sink_ = std::move(sink);
+    feed_ = std::move(feed);
+    failure_.reset();
     return std::nullopt;
 }
 
 AudioBufferId QtAudioOutput::schedule(PcmSamples samples) {
-    static AudioBufferId lastId = 0;
-    AudioBufferId id = ++lastId;
-    if (!feed_) {
-        // Never started, or failed: complete at once (from the event loop) so nothing waits.
-        feed_ = std::make_unique<PcmFeed>(format_.channels);
-        failure_ = failure_.value_or(noAudioOutputDeviceMessage);
+    const AudioBufferId id = ++lastId_;
+    if (!sink_ && !failureReportPending_) {
+        if (!started_ || open().has_value()) {
+            failure_ = failure_.value_or(noAudioOutputDeviceMessage);
+            reportFailureLater();
+        }
+    }
+    if (!sink_) {
+        // Lost with the device: the failure report stands for it.
+        return id;
     }
     samples.resize(samples.size() - samples.size() % static_cast<std::size_t>(format_.channels));
     feed_->entries().push_back({id, std::move(samples), -1, 0, false});
-    if (failure_) {
-        QTimer::singleShot(0, &pollTimer_, [this] { failAll(*failure_); });
-    }
     pollTimer_.start();
     return id;
+}
+
+void QtAudioOutput::reportFailureLater() {
+    failureReportPending_ = true;
+    QTimer::singleShot(0, &pollTimer_, [this, message = *failure_] {
+        failureReportPending_ = false;
+        if (listener_ != nullptr) {
+            listener_->audioOutputDidFail(message);
+        }
+    });
+}
+
+void QtAudioOutput::deviceFailed() {
+    qCWarning(lcReading, "audio: the output device failed (error %d); dropping %zu buffers",
+              static_cast<int>(sink_->error()), feed_ ? feed_->entries().size() : std::size_t{0});
+    pollTimer_.stop();
+    // We are inside the sink's own signal: it and the feed it reads go from the event loop.
+    QAudioSink* sink = sink_.release();
+    if (feed_) {
+        feed_.release()->setParent(sink);
+    }
+    sink->deleteLater();
+    failure_ = std::string{noAudioOutputDeviceMessage};
+    if (listener_ != nullptr) {
+        listener_->audioOutputDidFail(*failure_);
+    }
 }
 
 void QtAudioOutput::pause(PauseBoundary boundary) {
@@ -170,27 +213,6 @@ void QtAudioOutput::poll() {
     }
     if (entries.empty()) {
         pollTimer_.stop();
-    }
-}
-
-void QtAudioOutput::failAll(const std::string& reason) {
-    if (!failure_) {
-        qCWarning(lcReading, "audio: the output device failed; completing %zu buffers",
-                  feed_ ? feed_->entries().size() : std::size_t{0});
-    }
-    failure_ = reason;
-    if (sink_) {
-        sink_.release()->deleteLater();
-    }
-    while (feed_ && !feed_->entries().empty()) {
-        PcmFeed::Entry entry = std::move(feed_->entries().front());
-        feed_->entries().pop_front();
-        if (listener_ != nullptr) {
-            if (!entry.started) {
-                listener_->audioBufferDidStart(entry.id);
-            }
-            listener_->audioBufferDidFinish(entry.id);
-        }
     }
 }
 

@@ -182,14 +182,14 @@ PcmFormat EspeakSynthesizer::format() const {
     return {rate > 0 ? rate : 22050, 1};
 }
 
-SynthesizedSpeech EspeakSynthesizer::render(std::u16string_view text, const std::string& voiceId,
-                                            float rate) {
+std::optional<SynthesizedSpeech> EspeakSynthesizer::render(std::u16string_view text,
+                                                           const std::string& voiceId, float rate) {
     SynthesizedSpeech speech;
     speech.format = format();
     EspeakLibrary& library = EspeakLibrary::shared();
     std::lock_guard lock{library.mutex};
     if (library.sampleRate <= 0) {
-        return speech;
+        return std::nullopt;
     }
 
     bool known = std::any_of(voices_.begin(), voices_.end(),
@@ -204,7 +204,7 @@ SynthesizedSpeech EspeakSynthesizer::render(std::u16string_view text, const std:
         espeak_ERROR status = espeak_SetVoiceByName(voice.c_str());
         if (status != EE_OK) {
             qCWarning(lcReading, "speech: espeak-ng could not load a voice (%d)", status);
-            return speech;
+            return std::nullopt;
         }
         library.currentVoice = voice;
     }
@@ -222,7 +222,7 @@ SynthesizedSpeech EspeakSynthesizer::render(std::u16string_view text, const std:
     if (status != EE_OK) {
         qCWarning(lcReading, "speech: espeak-ng failed to render %zu bytes (%d)", utf8.size(),
                   status);
-        return speech;
+        return std::nullopt;
     }
     speech.samples = std::move(collector.samples);
     speech.words = spokenWords(text, collector.events);

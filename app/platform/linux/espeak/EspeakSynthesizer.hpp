@@ -20,8 +20,8 @@ public:
     std::vector<PlatformVoice> voices() const override;
     std::string defaultVoiceId() const override;
     PcmFormat format() const override;
-    SynthesizedSpeech render(std::u16string_view text, const std::string& voiceId,
-                             float rate) override;
+    std::optional<SynthesizedSpeech> render(std::u16string_view text, const std::string& voiceId,
+                                            float rate) override;
 
 private:
     std::vector<PlatformVoice> voices_;

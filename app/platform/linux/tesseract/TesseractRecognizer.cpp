@@ -8,7 +8,9 @@
 #include <chrono>
 #include <cmath>
 #include <leptonica/allheaders.h>
+#include <limits>
 #include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
 #include <tesseract/resultiterator.h>
 
 namespace lectorbell::platform::tesseract {
@@ -185,19 +187,41 @@ public:
 
     bool ready() const { return ready_; }
 
-    std::vector<OCRLine> recognize(Pix* pix, const ScreenRect& area) {
+    // The lines, or why recognition stopped before the end.
+    Recognition recognize(Pix* pix, const ScreenRect& area, const RecognitionLimits& limits) {
         api_.SetImage(pix);
         const Frame image{static_cast<double>(pixGetWidth(pix)),
                           static_cast<double>(pixGetHeight(pix)), area};
         // Screen pixels: about 96 per inch at one pixel per point.
         const double pixelsPerPoint = image.width / area.width();
         api_.SetSourceResolution(static_cast<int>(std::lround(96 * pixelsPerPoint)));
-        std::vector<OCRLine> lines;
-        if (api_.Recognize(nullptr) == 0) {
-            lines = linesOf(api_, image);
+        // Tesseract asks between words whether to go on.
+        ::tesseract::ETEXT_DESC monitor;
+        monitor.cancel = [](void* limits, int /*words*/) {
+            return static_cast<const RecognitionLimits*>(limits)->cancel.cancelled();
+        };
+        monitor.cancel_this = const_cast<RecognitionLimits*>(&limits);
+        if (limits.deadline) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+                *limits.deadline - std::chrono::steady_clock::now());
+            // Zero would mean no deadline at all.
+            monitor.set_deadline_msecs(static_cast<std::int32_t>(std::max<std::int64_t>(
+                1,
+                std::min<std::int64_t>(left.count(), std::numeric_limits<std::int32_t>::max()))));
+        }
+        Recognition result;
+        const bool finished = api_.Recognize(&monitor) == 0;
+        if (limits.cancel.cancelled()) {
+            result.failure =
+                RecognitionFailure{RecognitionFailure::Kind::cancelled, "cancelled", {}};
+        } else if (!finished && limits.pastDeadline()) {
+            result.failure =
+                RecognitionFailure{RecognitionFailure::Kind::deadlinePassed, "deadline passed", {}};
+        } else if (finished) {
+            result.lines = linesOf(api_, image);
         }
         api_.Clear();
-        return lines;
+        return result;
     }
 
 private:
@@ -208,9 +232,17 @@ private:
 TesseractRecognizer::TesseractRecognizer() = default;
 TesseractRecognizer::~TesseractRecognizer() = default;
 
-Recognition TesseractRecognizer::recognize(const PixelBuffer& image, RecognitionMode mode) {
+Recognition TesseractRecognizer::recognize(const PixelBuffer& image, RecognitionMode mode,
+                                           const RecognitionLimits& limits) {
+    using Kind = RecognitionFailure::Kind;
     if (!image.isWellFormed() || !(image.area.width() > 0) || !(image.area.height() > 0)) {
-        return {{}, "the image has no pixels or its size does not match its data"};
+        return {{},
+                RecognitionFailure{Kind::unusableImage,
+                                   "the image has no pixels or its size does not match its data",
+                                   {}}};
+    }
+    if (limits.cancel.cancelled()) {
+        return {{}, RecognitionFailure{Kind::cancelled, "cancelled before it started", {}}};
     }
     std::unique_ptr<Engine>& engine = mode == RecognitionMode::fast ? fast_ : accurate_;
     if (!engine) {
@@ -222,7 +254,10 @@ Recognition TesseractRecognizer::recognize(const PixelBuffer& image, Recognition
     }
     if (!engine->ready()) {
         engine.reset();
-        return {{}, "Tesseract could not load its English language data (tesseract-ocr-eng)"};
+        return {{},
+                RecognitionFailure{Kind::engineUnavailable,
+                                   "Tesseract could not load its English language data",
+                                   std::string{languagePackage}}};
     }
     PixPtr pix = pixOf(image);
     // A fast pass reads a 2x capture at half size: text at one pixel per point still reads
@@ -232,17 +267,20 @@ Recognition TesseractRecognizer::recognize(const PixelBuffer& image, Recognition
         pix.reset(pixScaleAreaMap2(pix.get()));
     }
     if (!pix) {
-        return {{}, "the image is too large to recognise"};
+        return {{},
+                RecognitionFailure{Kind::unusableImage, "the image is too large to recognise", {}}};
     }
     const auto started = std::chrono::steady_clock::now();
-    std::vector<OCRLine> lines = engine->recognize(pix.get(), image.area);
+    Recognition result = engine->recognize(pix.get(), image.area, limits);
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - started);
     coreLog("ocr",
             "recognize: " + std::to_string(image.width) + "x" + std::to_string(image.height) +
                 " px, " + (mode == RecognitionMode::fast ? "fast" : "accurate") + ", " +
-                std::to_string(lines.size()) + " lines, " + std::to_string(ms.count()) + " ms");
-    return {std::move(lines), std::nullopt};
+                (result.failure ? result.failure->detail
+                                : std::to_string(result.lines.size()) + " lines") +
+                ", " + std::to_string(ms.count()) + " ms");
+    return result;
 }
 
 } // namespace lectorbell::platform::tesseract

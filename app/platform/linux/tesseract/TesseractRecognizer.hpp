@@ -3,6 +3,7 @@
 #include "platform/TextRecognizer.hpp"
 
 #include <memory>
+#include <string_view>
 
 namespace lectorbell::platform::tesseract {
 
@@ -11,12 +12,18 @@ namespace lectorbell::platform::tesseract {
 // is set before the process starts; the executable sees to that.
 class TesseractRecognizer final : public TextRecognizer {
 public:
+    // The Debian package of the language data the engine loads.
+    static constexpr std::string_view languagePackage = "tesseract-ocr-eng";
+
     TesseractRecognizer();
     ~TesseractRecognizer() override;
     TesseractRecognizer(const TesseractRecognizer&) = delete;
     TesseractRecognizer& operator=(const TesseractRecognizer&) = delete;
 
-    Recognition recognize(const PixelBuffer& image, RecognitionMode mode) override;
+    // Stops between words once the limits are reached (layout analysis before the first word runs
+    // to its end).
+    Recognition recognize(const PixelBuffer& image, RecognitionMode mode,
+                          const RecognitionLimits& limits) override;
 
 private:
     class Engine;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -101,7 +102,9 @@ std::optional<std::vector<std::uint8_t>> captureShared(x11::Connection::Session&
     if (segment.shmid >= 0) {
         segment.shmaddr = image->data = static_cast<char*>(shmat(segment.shmid, nullptr, 0));
         segment.readOnly = False;
-        if (segment.shmaddr != reinterpret_cast<char*>(-1) && XShmAttach(display, &segment) != 0) {
+        // shmat reports failure as the address (void*)-1.
+        const bool attached = reinterpret_cast<std::intptr_t>(segment.shmaddr) != -1;
+        if (attached && XShmAttach(display, &segment) != 0) {
             bool got = XShmGetImage(display, session.root(), image, area.x, area.y, AllPlanes) != 0;
             // A remote server accepts the attach request but fails it: the error shows here.
             if (session.syncAndTakeError() == 0 && got) {
@@ -110,7 +113,7 @@ std::optional<std::vector<std::uint8_t>> captureShared(x11::Connection::Session&
             XShmDetach(display, &segment);
             XSync(display, False);
         }
-        if (segment.shmaddr != reinterpret_cast<char*>(-1)) {
+        if (attached) {
             shmdt(segment.shmaddr);
         }
         shmctl(segment.shmid, IPC_RMID, nullptr);

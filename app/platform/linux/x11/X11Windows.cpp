@@ -1,5 +1,6 @@
 #include "platform/linux/x11/X11Windows.hpp"
 
+#include "platform/linux/x11/X11Clients.hpp"
 #include "platform/linux/x11/X11Connection.hpp"
 
 #include <X11/Xatom.h>
@@ -21,28 +22,15 @@ std::optional<unsigned long> firstCardinal(Display* display, Window window, cons
     return values.front();
 }
 
-// The window's _NET_WM_PID, or that of a descendant (a window manager's frame holds the client).
 std::optional<ProcessID> ownerOf(Display* display, Window window, int depth) {
-    if (std::optional<unsigned long> pid = firstCardinal(display, window, "_NET_WM_PID")) {
-        return static_cast<ProcessID>(*pid);
-    }
-    if (depth == 0) {
+    std::optional<Window> client = clientWindow(display, window, depth);
+    // The window may have closed since it was found.
+    std::optional<unsigned long> pid =
+        client ? firstCardinal(display, *client, "_NET_WM_PID") : std::nullopt;
+    if (!pid) {
         return std::nullopt;
     }
-    Window root = 0;
-    Window parent = 0;
-    Window* children = nullptr;
-    unsigned int count = 0;
-    std::optional<ProcessID> found;
-    if (XQueryTree(display, window, &root, &parent, &children, &count)) {
-        for (unsigned int i = count; i-- > 0 && !found;) {
-            found = ownerOf(display, children[i], depth - 1);
-        }
-        if (children) {
-            XFree(children);
-        }
-    }
-    return found;
+    return static_cast<ProcessID>(*pid);
 }
 
 // The root's viewable children, bottom to top.
@@ -121,38 +109,12 @@ std::optional<ProcessID> WindowOwners::focusedProcess() {
     if (!session.alive()) {
         return std::nullopt;
     }
-    Display* display = session.display();
-    Window root = DefaultRootWindow(display);
-    if (std::optional<unsigned long> active = firstCardinal(display, root, "_NET_ACTIVE_WINDOW");
-        active && *active != None) {
-        if (std::optional<ProcessID> pid = ownerOf(display, *active, 0)) {
-            return pid;
-        }
+    std::optional<Window> client = focusedClient(session.display());
+    std::optional<ProcessID> pid;
+    if (client) {
+        pid = ownerOf(session.display(), *client, 0);
     }
-    Window focus = None;
-    int revert = 0;
-    XGetInputFocus(display, &focus, &revert);
-    // Walk up from the focused window until one names its process.
-    for (int level = 0; focus != None && focus != PointerRoot && level < 16; ++level) {
-        if (std::optional<ProcessID> pid = ownerOf(display, focus, 0)) {
-            return pid;
-        }
-        Window unusedRoot = 0;
-        Window parent = None;
-        Window* children = nullptr;
-        unsigned int count = 0;
-        if (!XQueryTree(display, focus, &unusedRoot, &parent, &children, &count)) {
-            break;
-        }
-        if (children) {
-            XFree(children);
-        }
-        if (parent == root) {
-            break;
-        }
-        focus = parent;
-    }
-    return std::nullopt;
+    return pid;
 }
 
 } // namespace lectorbell::platform::x11

@@ -7,9 +7,9 @@
 #include "platform/PlatformSynthesizer.hpp"
 #include "platform/Scheduler.hpp"
 #include "platform/ScreenCapturer.hpp"
-#include "platform/SystemServices.hpp"
 #include "platform/SecretStore.hpp"
 #include "platform/SettingsStore.hpp"
+#include "platform/SystemServices.hpp"
 #include "platform/TextRecognizer.hpp"
 #include "platform/WindowLocator.hpp"
 

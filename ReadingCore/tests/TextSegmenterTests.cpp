@@ -1,5 +1,6 @@
 #include "lectorbell/SpeechCleanup.hpp"
 #include "lectorbell/TextSegmenter.hpp"
+#include "lectorbell/Utf8.hpp"
 
 #include <gtest/gtest.h>
 
@@ -118,6 +119,19 @@ TEST(TextSegmenter, SplitLong) {
          TextSegmenter::splitLong(repeat(u"lorem ipsum, ", 200), 37)) {
         EXPECT_LE(piece.size(), 37U);
     }
+}
+
+// A space that a prepended mark joins into one character is no place to cut: the rest must
+// still get shorter.
+TEST(TextSegmenter, SplitLongNeverCutsInsideACharacter) {
+    const std::u16string text = u"\u0601 " + std::u16string(20, u'x') + u" tail";
+    std::vector<std::u16string> pieces = TextSegmenter::splitLong(text, 8);
+    std::u16string joined;
+    for (const std::u16string& piece : pieces) {
+        EXPECT_LE(piece.size(), 8U) << lectorbell::toUtf8(piece);
+        joined += piece;
+    }
+    EXPECT_EQ(joined, u"\u0601" + std::u16string(20, u'x') + u"tail");
 }
 
 TEST(TextSegmenter, SpeechNormalizedCollapsesSpacesAndDropsBullets) {

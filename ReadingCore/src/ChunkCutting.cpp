@@ -75,6 +75,9 @@ std::vector<std::u16string> splitLong(std::u16string_view text, std::int64_t max
     while (length(rest) > m) {
         std::int64_t cut = pauseMarkCut(rest, m).value_or(
             lastSpaceCut(rest, m).value_or(UTF16Text::snapDown(m, rest)));
+        // A space or mark can sit inside a character ("\u0601 " is one): cutting there would
+        // leave the rest where it was, for ever.
+        cut = UTF16Text::snapDown(cut, rest);
         if (cut <= 0) {
             cut = length(rest) < 2 ? length(rest) : UTF16Text::snapUp(1, rest);
         }

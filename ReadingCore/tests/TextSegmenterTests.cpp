@@ -143,6 +143,19 @@ TEST(TextSegmenter, SplitLong) {
     }
 }
 
+// A space that a prepended mark joins into one character is no place to cut: the rest must
+// still get shorter.
+TEST(TextSegmenter, SplitLongNeverCutsInsideACharacter) {
+    const std::u16string text = u"\u0601 " + std::u16string(20, u'x') + u" tail";
+    std::vector<std::u16string> pieces = TextSegmenter::splitLong(text, 8);
+    std::u16string joined;
+    for (const std::u16string& piece : pieces) {
+        EXPECT_LE(piece.size(), 8U) << lectorbell::toUtf8(piece);
+        joined += piece;
+    }
+    EXPECT_EQ(joined, u"\u0601" + std::u16string(20, u'x') + u"tail");
+}
+
 TEST(TextSegmenter, SpeechNormalizedCollapsesSpacesAndDropsBullets) {
     EXPECT_EQ(TextSegmenter::speechNormalized(u"  \u2022 \u2022 Item\u00ADone  "), u"Itemone");
     EXPECT_EQ(TextSegmenter::speechNormalized(u"a \n\t b\u200Bc\uFEFF"), u"a bc");

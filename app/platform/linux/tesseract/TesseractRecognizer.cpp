@@ -274,12 +274,12 @@ Recognition TesseractRecognizer::recognize(const PixelBuffer& image, Recognition
     Recognition result = engine->recognize(pix.get(), image.area, limits);
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
         std::chrono::steady_clock::now() - started);
-    coreLog("ocr",
-            "recognize: " + std::to_string(image.width) + "x" + std::to_string(image.height) +
-                " px, " + (mode == RecognitionMode::fast ? "fast" : "accurate") + ", " +
-                (result.failure ? result.failure->detail
-                                : std::to_string(result.lines.size()) + " lines") +
-                ", " + std::to_string(ms.count()) + " ms");
+    coreLog("ocr", "recognize: " + std::to_string(image.width) + "x" +
+                       std::to_string(image.height) + " px, " +
+                       (mode == RecognitionMode::fast ? "fast" : "accurate") + ", " +
+                       (result.failure ? result.failure->detail
+                                       : std::to_string(result.lines.size()) + " lines") +
+                       ", " + std::to_string(ms.count()) + " ms");
     return result;
 }
 

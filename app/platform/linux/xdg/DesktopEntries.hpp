@@ -35,8 +35,8 @@ class DesktopEntries {
 public:
     // Applications folders, the one that wins a clash first.
     explicit DesktopEntries(std::vector<std::filesystem::path> folders);
-    // $XDG_DATA_HOME/applications, then each of $XDG_DATA_DIRS/applications (with the
-    // specification's defaults when unset).
+    // $XDG_DATA_HOME/applications, then each of $XDG_DATA_DIRS/applications (~/.local/share and
+    // /usr/local/share:/usr/share when the variables are unset).
     static std::vector<std::filesystem::path> applicationFolders();
 
     // By id, exactly, else ignoring case.
